@@ -1,0 +1,39 @@
+// The command line's answer to the program's questions: messages go to standard error, the
+// channel question takes the --channel value, every other question its cautious default.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "core/user_dialogs.h"
+
+namespace ardel::cli {
+
+class CliDialogs : public SilentDialogs {
+public:
+    explicit CliDialogs(std::ostream& err) : err_(err) {}
+
+    void Message(std::string_view title, std::string_view text) override;
+    Answer Ask(std::string_view title, std::string_view text, Buttons buttons,
+               Answer defaultAnswer) override;
+    std::optional<std::string> Input(std::string_view title, std::string_view prompt,
+                                     std::string_view defaultText) override;
+    void Yield() override;
+
+    // Answer of the channel question; unset: the question's default (0).
+    std::optional<std::string> channelAnswer;
+    // Answers given by title, for questions the command has decided in advance.
+    std::function<std::optional<Answer>(std::string_view title)> answerFor;
+    // Called on Yield at most a few times a second (progress display).
+    std::function<void()> onProgress;
+    int messages = 0;
+
+private:
+    std::ostream& err_;
+    std::chrono::steady_clock::time_point lastProgress_{};
+};
+
+}  // namespace ardel::cli

@@ -1,0 +1,47 @@
+#include "core/event_commands.h"
+
+#include <algorithm>
+
+#include "core/number_text.h"
+
+namespace ardel {
+
+void Command5(Session& s, UserDialogs& ui) {
+    if (s.events.EventCount() == 0) {
+        ClearGrid(s);
+        return;
+    }
+    Answer a = ui.Ask("Confrim Reset",
+                      CStr(s.events.EventCount()) +
+                          " events analysed.  Are you sure you want to erase the event data?",
+                      Buttons::OKCancel, Answer::Cancel);
+    if (a == Answer::OK) ClearGrid(s);
+}
+
+double ScreenBlockForEvent(const Session& s, std::int32_t n) {
+    const Recording& r = s.recording;
+    const double t = s.events[n].Time;
+    return Int((t * 1000.0 - double(s.params.PeriodStartBaseline)) / double(r.SampleInterval) /
+               256.0) +
+           r.header.lDataSectionPtr;
+}
+
+void SelectEventFromGrid(Session& s, double row) {
+    if (!s.recording.FileIsOpen || s.events.EventCount() <= 0) return;
+    std::int32_t n = ToInt32Clamped(RoundHalfEven(row));
+    if (n < 1) n = 1;
+    // A bookmark past the end cannot come from the grid; keep the table safe all the same.
+    n = std::min(n, s.events.EventCount());
+    s.events.CurrentEvent = n;
+    s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
+    Display(s);
+    PlotSelected(s);
+}
+
+void PlotSelected(Session& s) {
+    const std::int32_t n = s.events.CurrentEvent;
+    if (!s.recording.FileIsOpen || n < 1 || n > s.events.EventCount()) return;
+    s.display.SelectedEvent = n;
+}
+
+}  // namespace ardel

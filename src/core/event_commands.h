@@ -1,0 +1,24 @@
+// Commands of the main window on the event table as a whole: reset, selection from the grid.
+#pragma once
+
+#include <cstdint>
+
+#include "core/session.h"
+#include "core/user_dialogs.h"
+
+namespace ardel {
+
+// "Reset Events": asks before erasing a non-empty table.
+void Command5(Session& s, UserDialogs& ui);
+
+// A click or row change in the grid: the event becomes current and its screen is shown.
+void SelectEventFromGrid(Session& s, double row);
+
+// The screen that shows event n from its baseline window on: a Block boundary at or before
+// the baseline window's start.
+double ScreenBlockForEvent(const Session& s, std::int32_t n);
+
+// Marks CurrentEvent on the trace (the blinking mark of the window).
+void PlotSelected(Session& s);
+
+}  // namespace ardel

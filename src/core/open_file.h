@@ -1,0 +1,33 @@
+// Opening a recording as a click in the file list does, the header window's rows, and the
+// Synch Array extraction.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/session.h"
+#include "core/user_dialogs.h"
+
+namespace ardel {
+
+// The whole open sequence: the question about unsaved events, the header checks with their
+// messages, the event-file branch, the channel question, scale factors, buffers, tags, the
+// first Display. Returns FileIsOpen. Problems that do not stop the open (a truncated file,
+// counts beyond the file's end) are listed in s.recording.warnings.
+bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file);
+
+// Switches the active channel (Combo3): scale factors again, buffers afresh, Display.
+void SelectChannel(Session& s, int channelIndex);
+
+// The rows of the header window, label and value, and its title.
+std::vector<std::pair<std::string, std::string>> DatInfoRows(const Session& s);
+std::string DatInfoTitle(const Session& s);
+
+enum class SynchTarget { DataArray1, DataArray2, EventTable };
+// Synch Array to a data array (start times or inter-event intervals) or into the events'
+// RelativeTime.
+void menu_ExtractSynchArray(Session& s, UserDialogs& ui, SynchTarget target);
+
+}  // namespace ardel

@@ -1,0 +1,216 @@
+#include "detect/complex_peaks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "core/event_commands.h"
+#include "core/number_text.h"
+#include "detect/window_analysis.h"
+
+namespace ardel {
+
+namespace {
+
+std::int32_t Index(double v) { return ToInt32Clamped(RoundHalfEven(v)); }
+
+}  // namespace
+
+bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) {
+    Recording& rec = s.recording;
+    if (!rec.FileIsOpen || s.events.EventCount() == 0) return false;
+    if (n < 1 || n > s.events.EventCount()) return false;
+    const auto counts = ComputePointCounts(rec, s.params);
+    if (!counts) return false;
+    const DetectionParameters& prm = s.params;
+    const DetectContext c{rec, prm, *counts, prm.PeakDirection >= 0 ? 1 : -1};
+    const int D = c.D;
+    // The periods stay unrounded here; they are rounded only where an index is formed.
+    const double maxD = counts->maxRaw;
+    const double leadD = counts->leadRaw;
+    const double avgD = counts->averageRaw;
+    const double decayD = counts->decayRaw;
+    const double si = rec.SampleInterval;
+
+    const EventRecord parent = s.events[n];
+    const auto p0opt = rec.CalculateTimeBit(parent.Time);
+    if (!p0opt) return false;
+    const std::int32_t p0 = *p0opt;
+    const std::int32_t h = std::int32_t(Int(prm.NumberPointsPeak / 2.0));
+    const double A = parent.Amplitude;
+    const double B = parent.Baseline;
+    const std::int32_t npp = prm.NumberPointsPeak;
+
+    // Working values that a failing statement leaves as they stood.
+    double tau = 0;
+    float slope1090 = 0;
+    std::int16_t rise50 = 0;
+
+    for (int q4 = 0; q4 <= 3; ++q4) {
+        // Trough in this quarter. The seed's "+ 1" sits inside the bracket; it always has.
+        double T = c.Sample(Index(p0 + q4 * (maxD / 4 + 1)));
+        const std::int32_t kFrom = Index(p0 + q4 * maxD / 4 + 1);
+        const std::int32_t kTo = Index(p0 + (q4 + 1) * maxD / 4);
+        std::int32_t q = kFrom;
+        for (std::int32_t k = kFrom; k <= kTo; ++k) {
+            const double x = c.Sample(k);
+            if (D * x < D * T) {
+                T = x;
+                q = k;
+            }
+        }
+        // Peak behind the trough, on smoothed values, then refined around it.
+        double V = T;
+        std::int32_t P = q;
+        const std::int32_t peakTo = Index(q + leadD);
+        for (std::int32_t k = q; k <= peakTo; ++k) {
+            auto a = rec.GetAverageValue(k, h, npp);
+            if (a && D * double(*a) > D * V) {
+                V = *a;
+                P = k;
+            }
+        }
+        const std::int32_t refFrom = Index(P - maxD / 8 + 1);
+        const std::int32_t refTo = Index(P + maxD / 8);
+        for (std::int32_t k = refFrom; k <= refTo; ++k) {
+            auto a = rec.GetAverageValue(k, h, npp);
+            if (a && D * double(*a) > D * V) {
+                V = *a;
+                P = k;
+            }
+        }
+        // Trough again, between the parent's peak and the new one, on three-point means.
+        T = c.Sample(p0);
+        q = p0 + 1;
+        for (std::int32_t k = p0 + 1; k <= P; ++k) {
+            const double x = Int(c.Sample(k + 1) / 3.0 + c.Sample(k - 1) / 3.0 + c.Sample(k) / 3.0);
+            if (D * x < D * T) {
+                T = x;
+                q = k;
+            }
+        }
+
+        const auto u1 = rec.TryBit2pA2(V - T);
+        if (!u1 || std::abs(*u1) < prm.ThresholdAmplitude || !(D * V > D * T)) continue;
+
+        // The parent's decay as one exponential through its amplitude at p0 and the trough.
+        double r = D * T > D * B ? std::abs(T - B) : 1.0;
+        if (r >= A) r = A - 1;
+        {
+            const double lg = std::log(r / A);
+            const double t = (p0 - q) / lg;
+            // log(0), or 0/0: the statement fails and tau keeps its value.
+            if (A != 0 && r > 0 && lg != 0 && std::isfinite(t))
+                if (auto ti = ToInt32(t)) tau = *ti;
+        }
+        if (tau == 0) tau = 1;
+        const double e = std::exp((p0 - P) / tau);
+        double base = (A * D) * e + B;
+        if (D * T < D * base) base = T;  // the base never stands above the trough
+        if (auto b16 = ToInt16(base)) base = *b16;
+
+        const auto ampOpt = ToInt32(std::abs(V - base));
+        if (!ampOpt) continue;
+        const std::int32_t amp = *ampOpt;
+        const auto ampUOpt = rec.TryBit2pA2(amp);
+        if (!ampUOpt) continue;
+        const float ampU = *ampUOpt;
+        if (ampU < prm.ThresholdAmplitude || !(D * V > D * base)) continue;
+
+        // Rise from the trough at 5% of trough-to-peak; the area is taken from the base.
+        std::int32_t area = 0;
+        std::int32_t r2 = P;
+        const double riseLevel = 0.05 * D * (V - T);
+        for (; r2 >= q; --r2) {
+            const double x = c.Sample(r2);
+            area = ToInt32(area + (x - base)).value_or(area);
+            if (D * (x - T) <= riseLevel) break;
+        }
+        std::int32_t e2 = P + 1;
+        const std::int32_t decayTo = Index(P + decayD);
+        const double decayLevel = std::abs(double(prm.DecayPercent) * amp);
+        for (; e2 <= decayTo; ++e2) {
+            const double x = c.Sample(e2);
+            area = ToInt32(area + (x - base)).value_or(area);
+            if (std::abs(x - base) <= decayLevel) break;
+        }
+        const auto areaUOpt = rec.TryBit2pA2(area);
+        if (!areaUOpt) continue;
+        const float areaU = float(std::abs(double(*areaUOpt)) * si / 1000.0);
+        if (areaU < prm.AreaThreshold) continue;
+
+        // The 10-90% rise is measured from the trough, not the base.
+        const float rise1090 = Detect1090Rise(c, P, V, r2, T);
+        if (rise1090 != 0) slope1090 = float(D * double(ampU) * 0.8 / double(rise1090));
+        // The point count goes in where the scan passes an index: the walk ends early. This
+        // is how the double-peak measure has always been taken.
+        if (auto r50 = Detect50RiseTime(c, P, V, P - r2, T)) rise50 = *r50;
+        const float halfWidth = DetectHalfWidth(c, P, V, rise50, decayD, base);
+        const float t = rec.CalculateTime(P);
+
+        auto fill = [&](EventRecord& ev) {
+            ev.Time = t;
+            ev.Amplitude = amp;
+            ev.Noise = parent.Noise;
+            if (auto v16 = ToInt16(P - r2)) ev.Rise = *v16;
+            if (auto v16 = ToInt16(e2 - P)) ev.Decay = *v16;
+            if (auto v16 = ToInt16(base)) ev.Baseline = *v16;
+            ev.Area = areaU;
+            ev.Channel = rec.ChannelIndex;
+            if (auto v16 = ToInt16(leadD)) ev.BaselineLead = *v16;
+            ev.Rise1090 = rise1090;
+            ev.HalfWidth = halfWidth;
+            ev.Slope1090 = slope1090;
+            ev.Rise50 = rise50;
+            ev.RelativeTime = P;
+            if (auto pp = ToInt32(rec.ScreenStartPoint() + P)) ev.PeakPoint = *pp;
+        };
+
+        if (replace) {
+            for (std::int32_t m = 1; m <= s.events.EventCount(); ++m) {
+                if (s.events[m].Time == t) {
+                    fill(s.events[m]);
+                    UpdateTDBGrid(s.events);
+                    return false;
+                }
+            }
+        }
+        EventRecord& ev = s.events.Add();
+        fill(ev);
+        ev.GroupNumber = 0;
+        ev.PeakDirection = std::int16_t(D);
+
+        AddEventMarks(s, P, V, P - leadD + avgD / 2, base, r2, c.Sample(r2), e2, c.Sample(e2));
+        if (s.options.SoundOn) ui.Beep();
+        return true;
+    }
+    return false;
+}
+
+void menu_DoublePeak_Click(Session& s, UserDialogs& ui) {
+    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return;
+    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
+    DetectMultiPeak(s, ui, s.events.CurrentEvent, true);
+    UpdateTDBGrid(s.events);
+    s.events.GridCurrentRow = s.events.EventCount();
+}
+
+void menu_ScanDoublePeak(Session& s, UserDialogs& ui) {
+    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return;
+    s.display.NonStopRunning = true;
+    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
+    // Events appended during the scan are not visited.
+    const std::int32_t count = s.events.EventCount();
+    for (std::int32_t n = 1; n <= count && s.display.NonStopRunning; ++n) {
+        s.events.CurrentEvent = n;
+        s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
+        Display(s);
+        menu_DoublePeak_Click(s, ui);
+        s.events.CurrentEvent = s.events.CurrentEvent + 1;
+        ui.Yield();
+    }
+    UpdateTDBGrid(s.events);
+    s.display.NonStopRunning = false;
+}
+
+}  // namespace ardel

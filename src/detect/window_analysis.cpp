@@ -1,0 +1,433 @@
+#include "detect/window_analysis.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "core/number_text.h"
+#include "detect/complex_peaks.h"
+
+namespace ardel {
+
+std::optional<PointCounts> ComputePointCounts(const Recording& rec, const DetectionParameters& p) {
+    PointCounts c;
+    const double si = rec.SampleInterval;
+    if (!(si > 0)) return std::nullopt;
+    c.maxRaw = p.PeriodToSearchMax / si;
+    c.leadRaw = p.PeriodStartBaseline / si;
+    c.averageRaw = p.PeriodBaselineAverage / si;
+    c.decayRaw = p.PeriodFindDecayTime / si;
+    if (c.maxRaw < 1 || c.leadRaw < 1 || c.averageRaw < 1 || c.decayRaw < 1) return std::nullopt;
+    auto mp = ToInt32(c.maxRaw), lp = ToInt32(c.leadRaw), ap = ToInt32(c.averageRaw),
+         dp = ToInt32(c.decayRaw);
+    if (!mp || !lp || !ap || !dp) return std::nullopt;
+    c.MaxPoints = *mp;
+    c.LeadPoints = *lp;
+    c.AveragePoints = *ap;
+    c.DecayPoints = *dp;
+    c.PeakHalf = std::int32_t(Int(p.NumberPointsPeak / 2.0));
+    return c;
+}
+
+std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
+                          std::int32_t n) {
+    const std::int32_t a = p - lead;
+    std::int64_t sum = 0;
+    for (std::int32_t k = a; k <= a + n - 1; ++k) sum += c.Sample(k);
+    if (n == 0) return 0;  // a division by zero in the old program; the mean stays 0
+    return ToInt16(double(sum) / double(n)).value_or(0);
+}
+
+Peak FindMax(const DetectContext& c, std::int32_t s, std::int32_t len, std::int32_t h) {
+    const Recording& rec = c.rec;
+    const std::int32_t npp = c.params.NumberPointsPeak;
+    Peak best{s, 0};
+    // A failing average (outside the buffers) leaves the running value as it stood.
+    if (auto v = rec.GetAverageValue(s, h, npp)) best.value = *v;
+    const std::int32_t last = s + len - 1;
+    if (h == 0 && npp == 1 && rec.InBuffers(s) && rec.InBuffers(last)) {
+        // Plain samples: the common case, kept tight because it touches every point.
+        if (c.D > 0) {
+            for (std::int32_t k = s; k <= last; ++k) {
+                std::int16_t a = rec.GetSampleValue(k);
+                if (a > best.value) best = {k, a};
+            }
+        } else {
+            for (std::int32_t k = s; k <= last; ++k) {
+                std::int16_t a = rec.GetSampleValue(k);
+                if (a < best.value) best = {k, a};
+            }
+        }
+        return best;
+    }
+    for (std::int32_t k = s; k <= last; ++k) {
+        auto a = rec.GetAverageValue(k, h, npp);
+        if (!a) continue;
+        if (c.D * int(*a) > c.D * int(best.value)) best = {k, *a};
+    }
+    return best;
+}
+
+std::int32_t FindArea(const DetectContext& c, std::int32_t first, std::int32_t last,
+                      double baseline) {
+    std::int32_t area = 0;
+    for (std::int32_t k = first; k <= last; ++k)
+        area = ToInt32(area + (c.Sample(k) - baseline)).value_or(area);
+    return area;
+}
+
+std::int32_t FindTimetoPeak(const DetectContext& c, std::int32_t p, std::int32_t lead,
+                            double baseline) {
+    const double amp = std::abs(c.Sample(p) - baseline);
+    std::int32_t k = p;
+    for (; k >= p - lead; --k)
+        if (c.D * (c.Sample(k) - baseline) <= 0.01 * amp) break;
+    return k;
+}
+
+namespace {
+
+// Walks back from `from` to `to` for the first point that lies less than `level` from the
+// baseline in direction D, and interpolates the crossing of `line` between that point and the
+// previous one. `previous` carries the last value passed over from one walk to the next.
+double RiseCrossing(const DetectContext& c, std::int32_t from, std::int32_t to, double b,
+                    double level, double line, double& previous, std::int32_t& foundK) {
+    std::int32_t k = 0;
+    double x = 0;
+    bool found = false;
+    for (std::int32_t j = from; j >= to; --j) {
+        double s = c.Sample(j);
+        if (c.D * (s - b) < level) {
+            k = j;
+            x = s;
+            found = true;
+            break;
+        }
+        previous = s;
+    }
+    if (!found) {
+        k = 0;
+        x = 0;
+    }
+    foundK = k;
+    const double slope = previous - x;
+    if (slope == 0) return k;
+    const double intercept = x - k * slope;
+    return (line - intercept) / slope;
+}
+
+}  // namespace
+
+float Detect1090Rise(const DetectContext& c, std::int32_t p, double v, std::int32_t r, double b) {
+    const int D = c.D;
+    const double t90 = 0.9 * D * v - 0.9 * D * b;
+    const double l90 = b + D * t90;
+    double previous = 0;
+    std::int32_t k90 = 0;
+    const double c90 = RiseCrossing(c, p, r, b, t90, l90, previous, k90);
+    const double t10 = 0.1 * D * v - 0.1 * D * b;
+    const double l10 = b + D * t10;
+    std::int32_t k10 = 0;
+    const double c10 = RiseCrossing(c, k90, r, b, t10, l10, previous, k10);
+    return float((c90 - c10) * double(c.rec.SampleInterval) / 1000.0);
+}
+
+std::optional<std::int16_t> Detect50RiseTime(const DetectContext& c, std::int32_t p, double v,
+                                             std::int32_t r, double b) {
+    const double t50 = 0.5 * c.D * v - 0.5 * c.D * b;
+    std::int32_t k50 = 0;
+    for (std::int32_t k = p; k >= r; --k) {
+        if (c.D * (c.Sample(k) - b) < t50) {
+            k50 = k;
+            break;
+        }
+    }
+    return ToInt16(double(p) - double(k50));
+}
+
+float DetectHalfWidth(const DetectContext& c, std::int32_t p, double v, std::int32_t r50,
+                      double n, double b) {
+    const int D = c.D;
+    const double t50 = 0.5 * D * v - 0.5 * D * b;
+    const double l50 = b + D * t50;
+    const double si = c.rec.SampleInterval;
+
+    const std::int32_t k = p - r50;
+    const double x0 = c.Sample(k);
+    const double x1 = c.Sample(k + 1);
+    double slope = x1 - x0;
+    double cL;
+    if (slope == 0) {
+        cL = k;
+    } else {
+        const double intercept = x0 - k * slope;
+        cL = (l50 - intercept) / slope;
+    }
+
+    double previous = x1;
+    const std::int32_t last = ToInt32Clamped(RoundHalfEven(p + n - 1));
+    for (std::int32_t j = p + 1; j <= last; ++j) {
+        const double x = c.Sample(j);
+        if (D * (x - b) < t50) {
+            slope = x - previous;
+            double cR;
+            if (slope == 0) {
+                cR = j;
+            } else {
+                const double intercept = x - j * slope;
+                cR = (l50 - intercept) / slope;
+            }
+            return float((cR - cL) * si / 1000.0);
+        }
+        previous = x;
+    }
+    return float((p + n - cL) * si / 1000.0);
+}
+
+std::int32_t DetectPrepeak(const DetectContext& c, std::int32_t p) {
+    const int D = c.D;
+    const std::int32_t lead = c.counts.LeadPoints;
+    const std::int32_t avg = c.counts.AveragePoints;
+    const Recording& rec = c.rec;
+
+    std::int16_t V[3] = {0, 0, 0};
+    std::int32_t P[3] = {0, 0, 0};
+    for (int s = 1; s <= 2; ++s) {
+        const std::int32_t from = ToInt32Clamped(RoundHalfEven(p - s * lead / 2.0));
+        const std::int32_t to = ToInt32Clamped(RoundHalfEven(p - (s - 1) * lead / 2.0));
+        V[s] = c.Sample(from);
+        P[s] = from;
+        for (std::int32_t k = from; k <= to; ++k) {
+            const std::int16_t x = c.Sample(k);
+            if (D * x > D * V[s]) {
+                V[s] = x;
+                P[s] = k;
+            }
+        }
+    }
+    std::int16_t M = c.Sample(P[1]);
+    std::int32_t q = P[1];
+    for (std::int32_t k = P[2]; k <= P[1]; ++k) {
+        const std::int16_t x = c.Sample(k);
+        if (D * x > D * M) {
+            M = x;
+            q = k;
+        }
+    }
+    if (D * V[1] >= D * M) return p;
+
+    double sum = 0;
+    for (std::int32_t k = q - lead; k <= q - lead + avg - 1; ++k) sum += c.Sample(k);
+    const double b2 = sum / avg;
+    const std::int32_t a2 = std::abs(ToInt32(M - b2).value_or(0));
+    const auto a2u = rec.TryBit2pA2(a2);
+    if (!a2u || *a2u < c.params.ThresholdAmplitude || q == 0 || !(D * M > D * b2)) return p;
+
+    // The rise limit compares a deviation in bits with a limit in amplitude units; it has
+    // always done so.
+    std::int32_t area = 0;
+    for (std::int32_t k = q; k >= q - lead; --k) {
+        const double x = c.Sample(k);
+        area = ToInt32(area + (x - b2)).value_or(area);
+        if (D * (x - b2) <= 0.05 * double(*a2u)) break;
+    }
+    const double decayLimit = std::abs(a2 * double(c.params.DecayPercent));
+    for (std::int32_t k = q + 1; k <= q + c.counts.DecayPoints; ++k) {
+        const double x = c.Sample(k);
+        area = ToInt32(area + (x - b2)).value_or(area);
+        if (std::abs(x - b2) <= decayLimit) break;
+    }
+    const auto areaU = rec.TryBit2pA2(area);
+    if (areaU && std::abs(double(*areaU)) * double(rec.SampleInterval) / 1000.0 >=
+                     c.params.AreaThreshold)
+        return q;
+    return p;
+}
+
+void AddEventMarks(Session& s, double peakX, double peakValue, double baselineX, double baseline,
+                   double riseX, double riseValue, double decayX, double decayValue) {
+    const DisplayState& d = s.display;
+    const int ch = s.recording.ChannelIndex;
+    auto& marks = s.display.transientMarks;
+    using K = TraceMark::Kind;
+    marks.push_back({K::Cross, 255, 0, 0, peakX, d.CalculateYPosition(peakValue, ch), 1});
+    marks.push_back({K::Cross, 0, 255, 0, baselineX, d.CalculateYPosition(baseline, ch), 1});
+    marks.push_back({K::Point, 255, 255, 0, riseX, d.CalculateYPosition(riseValue, ch), 4});
+    marks.push_back({K::Point, 255, 0, 255, decayX, d.CalculateYPosition(decayValue, ch), 4});
+}
+
+void Command1(Session& s, UserDialogs& ui) {
+    Recording& rec = s.recording;
+    if (!rec.FileIsOpen) return;
+    const auto counts = ComputePointCounts(rec, s.params);
+    if (!counts) {
+        ui.Message("Improper Analysis Parameters",
+                   "The analysis parameters are not set properly.  Please run 'Suggest Analysis "
+                   "Paramters' command under File menu.");
+        return;
+    }
+    const DetectionParameters& prm = s.params;
+    const DetectContext c{rec, prm, *counts, prm.PeakDirection >= 0 ? 1 : -1};
+    const int D = c.D;
+    const std::int32_t maxPts = counts->MaxPoints;
+    const std::int32_t lead = counts->LeadPoints;
+    const std::int32_t avg = counts->AveragePoints;
+    const std::int32_t decayPts = counts->DecayPoints;
+    const std::int32_t N = rec.ScreenPoints();
+    const double si = rec.SampleInterval;
+
+    // Working values that outlive one candidate: a statement that fails (an overflow, a
+    // division by zero) leaves them as the previous candidate had them.
+    std::int16_t noise = 0;
+    float ampU = 0;
+    float areaU = 0;
+    float slope1090 = 0;
+    std::int16_t rise50 = 0;
+
+    std::int32_t i = rec.ScreenBlock == rec.header.lDataSectionPtr ? lead + maxPts : 0;
+    while (i <= N) {
+        Peak pk = FindMax(c, i, maxPts, counts->PeakHalf);
+        std::int32_t p = pk.index;
+        std::int32_t v = pk.value;
+        // Joined by "or": only a one-point chunk fails. An extreme on the chunk's edge is a
+        // candidate like any other.
+        if (p != i + maxPts - 1 || p != i) {
+            int counter = 0;
+            for (;;) {
+                const std::int16_t b = FindBaseline(c, p, lead, avg);
+                const std::int32_t amp = std::abs(v - b);
+                if (auto u = rec.TryBit2pA2(amp)) ampU = *u;
+                if (!(ampU >= prm.ThresholdAmplitude && D * v > D * b)) break;
+
+                const std::int32_t q = DetectPrepeak(c, p);
+                if (q < p) {
+                    p = q;
+                    v = c.Sample(p);
+                    continue;
+                }
+
+                if (auto m = ToInt32((p - lead) + avg / 2.0))
+                    if (auto n16 = ToInt16(double(c.Sample(*m)) - b)) noise = *n16;
+
+                // Rise start: raw samples back to within 1% of the amplitude.
+                std::int32_t area = 0;
+                std::int32_t r = p;
+                for (; r >= p - lead; --r) {
+                    const double x = c.Sample(r);
+                    area = ToInt32(area + (x - b)).value_or(area);
+                    if (D * (x - b) <= 0.01 * amp) break;
+                }
+                // Decay end: three-point smoothed samples down to the fraction.
+                std::int32_t e = p + 1;
+                double xe = 0;
+                const double decayLevel = double(prm.DecayPercent) * amp;
+                for (; e <= p + decayPts; ++e) {
+                    const double x = c.Sample(e - 1) / 3.0 + c.Sample(e + 1) / 3.0 +
+                                     c.Sample(e) / 3.0;
+                    xe = x;
+                    area = ToInt32(area + (x - b)).value_or(area);
+                    if (D * (x - b) <= decayLevel) break;
+                }
+
+                if (auto u = rec.TryBit2pA2(area)) areaU = float(std::abs(double(*u)) * si / 1000.0);
+                if (areaU < prm.AreaThreshold) break;
+
+                // One re-centring on the window around the peak, then the measurement again.
+                const auto from = ToInt32(p - maxPts / 4.0);
+                const auto len = ToInt32(maxPts / 2.0);
+                Peak p2 = FindMax(c, from.value_or(p), len.value_or(0), counts->PeakHalf);
+                ++counter;
+                if (p2.index != p && counter == 1) {
+                    p = p2.index;
+                    v = p2.value;
+                    continue;
+                }
+
+                // Only the last record is compared: the twin of a peak found just past the end
+                // of the previous screen is dropped when its time is exactly the same.
+                const float t = rec.CalculateTime(p);
+                if (t == s.events.Last().Time) break;
+
+                const float rise1090 = Detect1090Rise(c, p, v, r, b);
+                // A zero rise time is a division by zero: the slope keeps its last value.
+                if (rise1090 != 0) slope1090 = float(D * double(ampU) * 0.8 / double(rise1090));
+                if (auto r50 = Detect50RiseTime(c, p, v, r, b)) rise50 = *r50;
+                const float halfWidth = DetectHalfWidth(c, p, v, rise50, decayPts, b);
+
+                AddEventMarks(s, p, v, p - lead + avg / 2.0, b, r, c.Sample(r), e, xe);
+                if (s.options.SoundOn) ui.Beep();
+
+                EventRecord& ev = s.events.Add();
+                ev.Time = t;
+                ev.Amplitude = amp;
+                ev.Noise = noise;
+                // 16-bit fields that overflow keep what the slot held.
+                if (auto v16 = ToInt16(p - r)) ev.Rise = *v16;
+                if (auto v16 = ToInt16(e - p)) ev.Decay = *v16;
+                ev.Baseline = b;
+                ev.Area = areaU;
+                ev.Channel = rec.ChannelIndex;
+                if (auto v16 = ToInt16(lead)) ev.BaselineLead = *v16;
+                ev.Rise1090 = rise1090;
+                ev.HalfWidth = halfWidth;
+                ev.Rise50 = rise50;
+                ev.PeakDirection = std::int16_t(D);
+                ev.Slope1090 = slope1090;
+                ev.GroupNumber = 0;
+                ev.RelativeTime = p;
+                if (auto pp = ToInt32(rec.ScreenStartPoint() + p)) ev.PeakPoint = *pp;
+
+                if (s.options.ComplexPeak) {
+                    bool flag = true;
+                    while (flag && i < N) {
+                        flag = DetectMultiPeak(s, ui, s.events.EventCount(), false);
+                        auto tb = rec.CalculateTimeBit(s.events.Last().Time);
+                        if (tb) i = *tb;
+                        if (!flag) i += maxPts;
+                    }
+                }
+                break;
+            }
+        }
+        i += maxPts;
+    }
+
+    UpdateTDBGrid(s.events);
+    s.events.GridCurrentRow = s.events.EventCount();
+}
+
+void Command2(Session& s, UserDialogs& ui) {
+    Recording& rec = s.recording;
+    if (!rec.FileIsOpen) return;
+    rec.ScreenBlock += rec.BlocksPerScreen;
+    if (rec.ScreenBlock > double(rec.header.lDataSectionPtr) + rec.TotalBlocks) {
+        rec.ScreenBlock -= rec.BlocksPerScreen;
+        return;
+    }
+    Display(s);
+    Command1(s, ui);
+}
+
+void Command3(Session& s, UserDialogs& ui) {
+    Recording& rec = s.recording;
+    if (!rec.FileIsOpen) return;
+    s.display.NonStopRunning = true;
+    while (s.display.NonStopRunning) {
+        rec.ScreenBlock += rec.BlocksPerScreen;
+        if (rec.ScreenBlock > double(rec.header.lDataSectionPtr) + rec.TotalBlocks) {
+            rec.ScreenBlock -= rec.BlocksPerScreen;
+            break;
+        }
+        Display(s);
+        Command1(s, ui);
+        ui.Yield();
+    }
+    s.display.NonStopRunning = false;
+}
+
+void Command4(Session& s) {
+    s.display.NonStopRunning = false;
+    s.display.BatchRunning = false;
+    Display(s);
+}
+
+}  // namespace ardel

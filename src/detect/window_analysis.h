@@ -1,0 +1,71 @@
+// The detector: scans the current screen in fixed chunks, takes each chunk's extreme as a
+// candidate and measures it against a baseline window a fixed time before the peak.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "core/session.h"
+#include "core/user_dialogs.h"
+
+namespace ardel {
+
+// The detection periods in points of the active channel.
+struct PointCounts {
+    // Periods divided by the sample interval, before rounding.
+    double maxRaw = 0, leadRaw = 0, averageRaw = 0, decayRaw = 0;
+    std::int32_t MaxPoints = 0, LeadPoints = 0, AveragePoints = 0, DecayPoints = 0;
+    std::int32_t PeakHalf = 0;
+};
+
+// nullopt when any of the four periods is shorter than one sample interval (or cannot be
+// converted): the parameters are improper for this recording.
+std::optional<PointCounts> ComputePointCounts(const Recording& rec, const DetectionParameters& p);
+
+// Everything the measuring routines read: the recording, the parameters and the counts.
+struct DetectContext {
+    const Recording& rec;
+    const DetectionParameters& params;
+    PointCounts counts;
+    int D;  // PeakDirection: +1 or -1; multiplies every comparison
+
+    std::int16_t Sample(std::int32_t i) const { return rec.GetSampleValue(i); }
+};
+
+struct Peak {
+    std::int32_t index = 0;
+    std::int16_t value = 0;
+};
+
+std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
+                          std::int32_t n);
+Peak FindMax(const DetectContext& c, std::int32_t start, std::int32_t length, std::int32_t half);
+// Sum of (sample - baseline) over first..last, each step rounded to an integer.
+std::int32_t FindArea(const DetectContext& c, std::int32_t first, std::int32_t last,
+                      double baseline);
+// Rise start: the walk back from the peak to the first point within 1% of the peak's
+// amplitude of the baseline; p - lead - 1 when none is.
+std::int32_t FindTimetoPeak(const DetectContext& c, std::int32_t p, std::int32_t lead,
+                            double baseline);
+float Detect1090Rise(const DetectContext& c, std::int32_t p, double v, std::int32_t r, double b);
+// nullopt: the point count does not fit 16 bits (an overflow of the old program).
+std::optional<std::int16_t> Detect50RiseTime(const DetectContext& c, std::int32_t p, double v,
+                                             std::int32_t r, double b);
+float DetectHalfWidth(const DetectContext& c, std::int32_t p, double v, std::int32_t r50,
+                      double n, double b);
+std::int32_t DetectPrepeak(const DetectContext& c, std::int32_t p);
+
+// "Analyse this window" (F9).
+void Command1(Session& s, UserDialogs& ui);
+// "Analyse next window" (F10).
+void Command2(Session& s, UserDialogs& ui);
+// "Nonstop Analys." (F11): to the end, or until NonStopRunning is cleared during a Yield.
+void Command3(Session& s, UserDialogs& ui);
+// "Interrupt" (F12).
+void Command4(Session& s);
+
+// Shared by the scan and the complex-peak search: the four marks of an accepted event.
+void AddEventMarks(Session& s, double peakX, double peakValue, double baselineX, double baseline,
+                   double riseX, double riseValue, double decayX, double decayValue);
+
+}  // namespace ardel
