@@ -424,39 +424,6 @@ std::string Format(float value, std::string_view pattern) {
 
 // ---- Conversions -----------------------------------------------------------------------------
 
-double RoundHalfEven(double value) {
-    if (!std::isfinite(value)) return value;
-    const double below = std::floor(value);
-    const double rest = value - below;  // exact for every finite double
-    if (rest < 0.5) return below;
-    if (rest > 0.5) return below + 1.0;
-    return std::fmod(below, 2.0) == 0.0 ? below : below + 1.0;
-}
-
-namespace {
-
-template <typename T>
-std::optional<T> RoundInto(double value) {
-    const double rounded = RoundHalfEven(value);
-    if (std::isnan(rounded) || rounded < static_cast<double>(std::numeric_limits<T>::min()) ||
-        rounded > static_cast<double>(std::numeric_limits<T>::max())) {
-        return std::nullopt;
-    }
-    return static_cast<T>(rounded);
-}
-
-}  // namespace
-
-std::optional<std::int16_t> ToInt16(double value) {
-    return RoundInto<std::int16_t>(value);
-}
-std::optional<std::int32_t> ToInt32(double value) {
-    return RoundInto<std::int32_t>(value);
-}
-std::optional<std::uint8_t> ToUInt8(double value) {
-    return RoundInto<std::uint8_t>(value);
-}
-
 std::int32_t ToInt32Clamped(double value) {
     if (std::isnan(value)) return 0;
     const double rounded = RoundHalfEven(value);

@@ -3,7 +3,9 @@
 // exactly as users of the program have always seen them.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,10 +54,33 @@ inline std::string Format(int value, std::string_view pattern) {
 
 // Rounding to nearest with halves to even (CInt, CLng, CByte). nullopt is the runtime's
 // overflow: NaN, infinities and values that do not fit after rounding.
-double RoundHalfEven(double value);
-std::optional<std::int16_t> ToInt16(double value);
-std::optional<std::int32_t> ToInt32(double value);
-std::optional<std::uint8_t> ToUInt8(double value);
+// These sit on the detector's per-sample paths, so they are inline.
+inline double RoundHalfEven(double value) {
+    // Adding and taking away 1.5 x 2^52 leaves the value rounded to an integer by the FPU's
+    // default mode, which is halves to even. It holds for magnitudes below 2^51; beyond, the
+    // library does it, and NaN and infinities pass through.
+    constexpr double kShift = 6755399441055744.0;
+    if (value > -2251799813685248.0 && value < 2251799813685248.0) return (value + kShift) - kShift;
+    return std::nearbyint(value);
+}
+namespace detail {
+template <typename T>
+inline std::optional<T> RoundInto(double value) {
+    const double r = RoundHalfEven(value);
+    if (!(r >= double(std::numeric_limits<T>::min()) && r <= double(std::numeric_limits<T>::max())))
+        return std::nullopt;  // NaN fails both comparisons
+    return static_cast<T>(r);
+}
+}  // namespace detail
+inline std::optional<std::int16_t> ToInt16(double value) {
+    return detail::RoundInto<std::int16_t>(value);
+}
+inline std::optional<std::int32_t> ToInt32(double value) {
+    return detail::RoundInto<std::int32_t>(value);
+}
+inline std::optional<std::uint8_t> ToUInt8(double value) {
+    return detail::RoundInto<std::uint8_t>(value);
+}
 
 // The same conversions where an overflow is out of the question or is to clamp (the caller
 // says which): saturating variants.

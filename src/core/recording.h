@@ -2,6 +2,7 @@
 // which every sample is reached, and the conversions between raw values, points and times.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -98,6 +99,22 @@ struct Recording {
             return j < n ? NextScreen[std::size_t(j) * stride + ch] : std::int16_t(0);
         }
         return CurrentScreen[std::size_t(i) * stride + ch];
+    }
+    // Calls f(firstIndex, pointer, count, stride) for the pieces of first..last that lie in the
+    // buffers, in index order; points outside the buffers (which read as 0) are passed over.
+    template <typename F>
+    void VisitSamples(std::int32_t first, std::int32_t last, F&& f) const {
+        const std::int32_t n = screenPoints_;
+        const std::vector<std::int16_t>* buffers[3] = {&PreviousScreen, &CurrentScreen,
+                                                       &NextScreen};
+        for (int b = 0; b < 3; ++b) {
+            const std::int32_t origin = (b - 1) * n;
+            const std::int32_t from = std::max(first, origin);
+            const std::int32_t to = std::min(last, origin + n - 1);
+            if (from > to) continue;
+            f(from, buffers[b]->data() + std::size_t(from - origin) * channels_ + ChannelIndex,
+              to - from + 1, channels_);
+        }
     }
     bool InBuffers(std::int64_t i) const { return i >= -screenPoints_ && i < 2LL * screenPoints_; }
 

@@ -1,5 +1,7 @@
 #include "detect/window_analysis.h"
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 
@@ -28,11 +30,82 @@ std::optional<PointCounts> ComputePointCounts(const Recording& rec, const Detect
     return c;
 }
 
+namespace {
+
+// The first point strictly beyond `best` in direction D, over one strided run of samples.
+template <typename Better>
+void ScanRun(std::int32_t firstIndex, const std::int16_t* x, std::int32_t count, int stride,
+             Peak& best, Better better) {
+    if (stride != 1) {
+        for (std::int32_t k = 0; k < count; ++k, x += stride)
+            if (better(*x, best.value)) best = {firstIndex + k, *x};
+        return;
+    }
+    // One channel: the extreme of each block of 32 points first (a loop the compiler turns
+    // into vector code), then the first point of the first block that holds the extreme, so
+    // that the first of equal extremes still wins.
+    constexpr std::int32_t kBlock = 32;
+    std::int16_t m = best.value;
+    std::int32_t mBlock = -1;
+    std::int32_t k = 0;
+    for (; k + kBlock <= count; k += kBlock) {
+        std::int16_t bm = x[k];
+        for (std::int32_t j = 1; j < kBlock; ++j) bm = better(x[k + j], bm) ? x[k + j] : bm;
+        if (better(bm, m)) {
+            m = bm;
+            mBlock = k;
+        }
+    }
+    if (mBlock >= 0) {
+        std::int32_t j = mBlock;
+        while (x[j] != m) ++j;
+        best = {firstIndex + j, m};
+    }
+    for (; k < count; ++k)
+        if (better(x[k], best.value)) best = {firstIndex + k, x[k]};
+}
+
+}  // namespace
+
+std::int64_t SumSamples(const Recording& rec, std::int32_t first, std::int32_t last) {
+    std::int64_t sum = 0;
+    rec.VisitSamples(first, last, [&sum](std::int32_t, const std::int16_t* x, std::int32_t count,
+                                         int stride) {
+        std::int64_t part = 0;
+        if (stride == 1)
+            for (std::int32_t k = 0; k < count; ++k) part += x[k];
+        else
+            for (std::int32_t k = 0; k < count; ++k) part += x[std::size_t(k) * stride];
+        sum += part;
+    });
+    return sum;
+}
+
+Peak ScanExtreme(const Recording& rec, int D, std::int32_t first, std::int32_t last, Peak best) {
+    if (!rec.InBuffers(first) || !rec.InBuffers(last)) {
+        // Points outside the buffers read as 0 and take part in the search like any other.
+        for (std::int32_t k = first; k <= last; ++k) {
+            const std::int16_t x = rec.GetSampleValue(k);
+            if (D * int(x) > D * int(best.value)) best = {k, x};
+        }
+        return best;
+    }
+    rec.VisitSamples(first, last,
+                     [&](std::int32_t from, const std::int16_t* x, std::int32_t count, int stride) {
+                         if (D > 0)
+                             ScanRun(from, x, count, stride, best,
+                                     [](std::int16_t a, std::int16_t b) { return a > b; });
+                         else
+                             ScanRun(from, x, count, stride, best,
+                                     [](std::int16_t a, std::int16_t b) { return a < b; });
+                     });
+    return best;
+}
+
 std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
                           std::int32_t n) {
     const std::int32_t a = p - lead;
-    std::int64_t sum = 0;
-    for (std::int32_t k = a; k <= a + n - 1; ++k) sum += c.Sample(k);
+    const std::int64_t sum = SumSamples(c.rec, a, a + n - 1);
     if (n == 0) return 0;  // a division by zero in the old program; the mean stays 0
     return ToInt16(double(sum) / double(n)).value_or(0);
 }
@@ -44,21 +117,11 @@ Peak FindMax(const DetectContext& c, std::int32_t s, std::int32_t len, std::int3
     // A failing average (outside the buffers) leaves the running value as it stood.
     if (auto v = rec.GetAverageValue(s, h, npp)) best.value = *v;
     const std::int32_t last = s + len - 1;
-    if (h == 0 && npp == 1 && rec.InBuffers(s) && rec.InBuffers(last)) {
-        // Plain samples: the common case, kept tight because it touches every point.
-        if (c.D > 0) {
-            for (std::int32_t k = s; k <= last; ++k) {
-                std::int16_t a = rec.GetSampleValue(k);
-                if (a > best.value) best = {k, a};
-            }
-        } else {
-            for (std::int32_t k = s; k <= last; ++k) {
-                std::int16_t a = rec.GetSampleValue(k);
-                if (a < best.value) best = {k, a};
-            }
-        }
-        return best;
-    }
+    // Plain samples: the common case, kept tight because it touches every point.
+    // Outside the buffers the average fails and the point is passed over, so only a range
+    // wholly inside takes the fast path.
+    if (h == 0 && npp == 1 && rec.InBuffers(s) && rec.InBuffers(last))
+        return ScanExtreme(rec, c.D, s, last, best);
     for (std::int32_t k = s; k <= last; ++k) {
         auto a = rec.GetAverageValue(k, h, npp);
         if (!a) continue;
@@ -194,30 +257,16 @@ std::int32_t DetectPrepeak(const DetectContext& c, std::int32_t p) {
     for (int s = 1; s <= 2; ++s) {
         const std::int32_t from = ToInt32Clamped(RoundHalfEven(p - s * lead / 2.0));
         const std::int32_t to = ToInt32Clamped(RoundHalfEven(p - (s - 1) * lead / 2.0));
-        V[s] = c.Sample(from);
-        P[s] = from;
-        for (std::int32_t k = from; k <= to; ++k) {
-            const std::int16_t x = c.Sample(k);
-            if (D * x > D * V[s]) {
-                V[s] = x;
-                P[s] = k;
-            }
-        }
+        const Peak found = ScanExtreme(rec, D, from, to, Peak{from, c.Sample(from)});
+        V[s] = found.value;
+        P[s] = found.index;
     }
-    std::int16_t M = c.Sample(P[1]);
-    std::int32_t q = P[1];
-    for (std::int32_t k = P[2]; k <= P[1]; ++k) {
-        const std::int16_t x = c.Sample(k);
-        if (D * x > D * M) {
-            M = x;
-            q = k;
-        }
-    }
+    const Peak m = ScanExtreme(rec, D, P[2], P[1], Peak{P[1], c.Sample(P[1])});
+    const std::int16_t M = m.value;
+    const std::int32_t q = m.index;
     if (D * V[1] >= D * M) return p;
 
-    double sum = 0;
-    for (std::int32_t k = q - lead; k <= q - lead + avg - 1; ++k) sum += c.Sample(k);
-    const double b2 = sum / avg;
+    const double b2 = double(SumSamples(rec, q - lead, q - lead + avg - 1)) / avg;
     const std::int32_t a2 = std::abs(ToInt32(M - b2).value_or(0));
     const auto a2u = rec.TryBit2pA2(a2);
     if (!a2u || *a2u < c.params.ThresholdAmplitude || q == 0 || !(D * M > D * b2)) return p;
@@ -312,8 +361,10 @@ void Command1(Session& s, UserDialogs& ui) {
                 std::int32_t area = 0;
                 std::int32_t r = p;
                 for (; r >= p - lead; --r) {
-                    const double x = c.Sample(r);
-                    area = ToInt32(area + (x - b)).value_or(area);
+                    const std::int32_t x = c.Sample(r);
+                    // Whole numbers here: the rounding is exact, only the overflow can fail.
+                    const std::int64_t sum = std::int64_t(area) + (x - b);
+                    if (sum >= INT32_MIN && sum <= INT32_MAX) area = std::int32_t(sum);
                     if (D * (x - b) <= 0.01 * amp) break;
                 }
                 // Decay end: three-point smoothed samples down to the fraction.

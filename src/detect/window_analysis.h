@@ -37,6 +37,11 @@ struct Peak {
     std::int16_t value = 0;
 };
 
+// The first point strictly beyond `best` in direction D over first..last (points outside the
+// buffers count as 0), and the sum of the samples over first..last.
+Peak ScanExtreme(const Recording& rec, int D, std::int32_t first, std::int32_t last, Peak best);
+std::int64_t SumSamples(const Recording& rec, std::int32_t first, std::int32_t last);
+
 std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
                           std::int32_t n);
 Peak FindMax(const DetectContext& c, std::int32_t start, std::int32_t length, std::int32_t half);

@@ -1,0 +1,61 @@
+// Non-stop detection over a long synthetic recording: 60 minutes at 20 kHz, one channel,
+// default parameters, as F9 then F11 would run it. Reports samples per second and the peak
+// resident memory, which must not grow with the recording's length.
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include <filesystem>
+#include <map>
+
+#include "core/open_file.h"
+#include "detect/window_analysis.h"
+#include "tools/demo_synth.h"
+
+namespace {
+
+std::filesystem::path Recording(int minutes) {
+    static std::map<int, std::filesystem::path> made;
+    auto& p = made[minutes];
+    if (p.empty()) {
+        p = std::filesystem::temp_directory_path() /
+            ("ardel-bench-" + std::to_string(minutes) + "min.abf");
+        ardel::synth::RecordingSpec spec;
+        spec.seconds = minutes * 60.0;
+        spec.sampleRateHz = 20000;
+        spec.eventRateHz = 5;
+        ardel::synth::WriteRecording(p, spec);
+    }
+    return p;
+}
+
+long PeakRssKb() {
+    rusage u{};
+    getrusage(RUSAGE_SELF, &u);
+    return u.ru_maxrss;
+}
+
+void NonStopDetection(benchmark::State& state) {
+    const auto file = Recording(int(state.range(0)));
+    std::int64_t samples = 0;
+    std::int32_t events = 0;
+    for (auto _ : state) {
+        ardel::Session s;
+        ardel::SilentDialogs ui;
+        if (!ardel::OpenDataFile(s, ui, file)) {
+            state.SkipWithError("cannot open the recording");
+            return;
+        }
+        ardel::Command1(s, ui);
+        ardel::Command3(s, ui);
+        samples += s.recording.header.lActualAcqLength;
+        events = s.events.EventCount();
+    }
+    state.counters["samples_per_s"] =
+        benchmark::Counter(double(samples), benchmark::Counter::kIsRate);
+    state.counters["events"] = events;
+    state.counters["peak_rss_MiB"] = double(PeakRssKb()) / 1024.0;
+}
+
+}  // namespace
+
+BENCHMARK(NonStopDetection)->Arg(10)->Arg(60)->Unit(benchmark::kMillisecond)->UseRealTime();
