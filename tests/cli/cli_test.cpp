@@ -1,0 +1,234 @@
+// The command line end to end, in process: outputs, messages and exit codes on good and bad
+// input.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "app/cli/cli_app.h"
+#include "core/abf_build.h"
+#include "core/ini_file.h"
+#include "support/synthetic.h"
+
+namespace ardel {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using testing::TempDir;
+
+struct Run {
+    int code;
+    std::string out, err;
+};
+
+Run Cli(const TempDir& dir, std::vector<std::string> args) {
+    std::vector<const char*> argv{"ardelvantine-cli"};
+    for (const auto& a : args) argv.push_back(a.c_str());
+    std::ostringstream out, err;
+    int code = cli::RunCli(int(argv.size()), argv.data(), out, err, dir.path());
+    return {code, out.str(), err.str()};
+}
+
+std::string ReadAll(const std::filesystem::path& p) {
+    std::ifstream f(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(f), {});
+}
+
+// 20 s at 10 kHz with three clear inward events, 0.061 pA per raw unit.
+std::filesystem::path ThreeEvents(const TempDir& dir, const std::string& name = "cell.abf") {
+    AbfBuildSpec spec;
+    spec.sampleIntervalUs = 100;
+    spec.scaleFactors = {0.005f};
+    auto trace = testing::MakeTrace(200000, 0,
+                                    {{50000, -500, 10, 80}, {100050, -700, 10, 80},
+                                     {150000, -600, 10, 80}});
+    return testing::WriteAbf(dir / name, spec, {trace});
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string l; std::getline(in, l);) lines.push_back(l);
+    return lines;
+}
+
+TEST(CliDetect, WritesCsvAndGridAndSummary) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    auto r = Cli(dir, {"detect", file.string(), "--csv", (dir / "e.csv").string(), "--grid",
+                       (dir / "g.txt").string()});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_THAT(r.err, HasSubstr("cell.abf: channel 0, 3 events, 20.000 s of recording analysed"));
+
+    auto csv = Lines(ReadAll(dir / "e.csv"));
+    ASSERT_EQ(csv.size(), 4u);
+    EXPECT_EQ(csv[0],
+              "Time,Amplitude,Noise,Rise,Decay,Baseline,Area,GroupNumber,Channel,BaselineLead,"
+              "Rise1090,HalfWidth,Rise50,PeakDirection,BurstNumber,BurstEventNumber,Slope1090,"
+              "EventText,RelativeTime,PeakPoint");
+    // Peak times in ms, amplitude in raw units, direction -1, peak point from the start.
+    EXPECT_THAT(csv[1], StartsWith("5000,500,"));
+    EXPECT_THAT(csv[2], StartsWith("10005,700,"));
+    EXPECT_THAT(csv[3], HasSubstr(",-1,0,0,"));
+    EXPECT_THAT(csv[3], ::testing::EndsWith(",150000"));
+
+    auto grid = Lines(ReadAll(dir / "g.txt"));
+    ASSERT_EQ(grid.size(), 4u);
+    EXPECT_THAT(grid[0], StartsWith("3\tTime (ms)\tAmplitude\tRise (ms)"));
+    EXPECT_THAT(grid[1], StartsWith("1\t5,000.00\t"));
+}
+
+TEST(CliDetect, ParamsAndSettingsFileApply) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    // A threshold above the two smaller events leaves only the largest one (700 raw = 42.7 pA).
+    auto r = Cli(dir, {"detect", file.string(), "--param", "ThresholdAmplitude!=40"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_THAT(r.err, HasSubstr(", 1 events,"));
+
+    WritePrivateProfileString("Analysis", "ThresholdAmplitude!", " 40", dir / "my.ini");
+    r = Cli(dir, {"detect", file.string(), "--ini", (dir / "my.ini").string()});
+    EXPECT_THAT(r.err, HasSubstr(", 1 events,"));
+    // --param comes after the file.
+    r = Cli(dir, {"detect", file.string(), "--ini", (dir / "my.ini").string(), "--param",
+                  "ThresholdAmplitude!=5"});
+    EXPECT_THAT(r.err, HasSubstr(", 3 events,"));
+
+    r = Cli(dir, {"detect", file.string(), "--param", "Threshold=4"});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("unknown key \"Threshold\""));
+    r = Cli(dir, {"detect", file.string(), "--param", "ThresholdAmplitude!"});
+    EXPECT_EQ(r.code, 2);
+}
+
+TEST(CliDetect, ImproperParametersFailWithTheProgramsMessage) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    auto r = Cli(dir, {"detect", file.string(), "--param", "PeriodBaselineAverage&=50"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("Improper Analysis Parameters: The analysis parameters are not "
+                                 "set properly."));
+}
+
+TEST(CliDetect, ChannelAboveTheLastIsClampedWithAWarning) {
+    TempDir dir;
+    AbfBuildSpec spec;
+    spec.sampleIntervalUs = 50;
+    spec.units = {"pA", "mV"};
+    spec.scaleFactors = {0.005f, 0.005f};
+    auto quiet = testing::MakeTrace(100000, 0, {});
+    auto busy = testing::MakeTrace(100000, 0, {{50000, -600, 10, 80}});
+    auto file = testing::WriteAbf(dir / "two.abf", spec, {quiet, busy});
+    auto r = Cli(dir, {"detect", file.string(), "--channel", "7"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_THAT(r.err, HasSubstr("has channels 0 to 1; channel 1 opened instead of 7"));
+    EXPECT_THAT(r.err, HasSubstr("two.abf: channel 1, 1 events"));
+    r = Cli(dir, {"detect", file.string()});
+    EXPECT_THAT(r.err, HasSubstr("two.abf: channel 0, 0 events"));
+}
+
+TEST(CliBadInput, RefusedFilesGiveMessagesAndExitCodes) {
+    TempDir dir;
+    auto r = Cli(dir, {"detect", (dir / "missing.abf").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("no such file"));
+
+    std::ofstream(dir / "text.abf") << "hello, this is not a recording";
+    r = Cli(dir, {"detect", (dir / "text.abf").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("Not ABF File: This is not an Axon Binary File.  Try another file."));
+
+    // An ABF2 file starts with "ABF2".
+    std::ofstream(dir / "v2.abf", std::ios::binary) << std::string("ABF2") + std::string(600, '\0');
+    r = Cli(dir, {"info", (dir / "v2.abf").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("Not ABF File"));
+
+    AbfBuildSpec spec;
+    AbfHeader h = MakeAbfHeader(spec, 1000);
+    h.nDataFormat = 1;
+    auto bytes = h.ToBytes();
+    WriteFileReplacing(dir / "float.abf", std::string(bytes.begin(), bytes.end()));
+    r = Cli(dir, {"detect", (dir / "float.abf").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("Not in Integer Format: This ABF file is saved in floating-point "
+                                 "format."));
+
+    auto empty = dir / "empty.abf";
+    std::ofstream(empty).close();
+    r = Cli(dir, {"detect", empty.string()});
+    EXPECT_EQ(r.code, 1);
+
+    r = Cli(dir, {"detect", dir.path().string()});  // a folder
+    EXPECT_EQ(r.code, 1);
+}
+
+TEST(CliBadInput, TruncatedAndInconsistentFilesAreReadAsFarAsTheyGo) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    std::string all = ReadAll(file);
+
+    // Cut in the middle of the data: the first event is still found, the rest reads as zeros.
+    WriteFileReplacing(dir / "cut.abf", all.substr(0, 6144 + 2 * 120000));
+    auto r = Cli(dir, {"detect", (dir / "cut.abf").string()});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_THAT(r.err, HasSubstr("warning: cut.abf: the header gives 200000 samples but the file "
+                                 "holds only 120000"));
+    EXPECT_THAT(r.err, HasSubstr("cut.abf: channel 0, 2 events"));
+
+    // A header cut short.
+    WriteFileReplacing(dir / "head.abf", all.substr(0, 3000));
+    r = Cli(dir, {"info", (dir / "head.abf").string()});
+    EXPECT_THAT(r.err, HasSubstr("shorter than the 6144-byte header"));
+
+    // Counts and pointers that make no sense.
+    AbfBuildSpec spec;
+    for (auto mutate : std::vector<std::function<void(AbfHeader&)>>{
+             [](AbfHeader& h) { h.nADCNumChannels = 0; },
+             [](AbfHeader& h) { h.nADCNumChannels = 99; },
+             [](AbfHeader& h) { h.fADCSampleInterval = 0; },
+             [](AbfHeader& h) { h.lDataSectionPtr = -5; },
+             [](AbfHeader& h) { h.lDataSectionPtr = 1 << 30; },
+             [](AbfHeader& h) { h.lActualAcqLength = -1000; },
+             [](AbfHeader& h) { h.lActualAcqLength = 2000000000; h.fADCSampleInterval = 1e6f; },
+             [](AbfHeader& h) { h.nADCSamplingSeq[0] = 40; },
+             [](AbfHeader& h) { h.lNumTagEntries = 1 << 28; h.lTagSectionPtr = 3; },
+             [](AbfHeader& h) { h.fInstrumentScaleFactor[0] = 0; },
+         }) {
+        AbfHeader h = MakeAbfHeader(spec, 200000);
+        mutate(h);
+        auto head = h.ToBytes();
+        WriteFileReplacing(dir / "bad.abf", std::string(head.begin(), head.end()) + all.substr(6144));
+        r = Cli(dir, {"detect", (dir / "bad.abf").string()});
+        EXPECT_TRUE(r.code == 0 || r.code == 1) << r.err;
+        EXPECT_FALSE(r.err.empty());
+    }
+}
+
+TEST(CliInfo, PrintsTheHeaderRows) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    auto r = Cli(dir, {"info", file.string()});
+    ASSERT_EQ(r.code, 0) << r.err;
+    auto lines = Lines(r.out);
+    ASSERT_GE(lines.size(), 30u);
+    EXPECT_EQ(lines[0], "DAT File Info:  cell.abf");
+    EXPECT_EQ(lines[2], "FileSignature\tABF");
+    EXPECT_THAT(r.out, HasSubstr("\nADCSampleInterval \t100\n"));
+    EXPECT_THAT(r.out, HasSubstr("\nADCUnits (0) \tpA\n"));
+    EXPECT_THAT(r.out, HasSubstr("\nSignalOffset (0 )     \t0\n"));
+}
+
+TEST(CliUsage, MissingArgumentsAreUsageErrors) {
+    TempDir dir;
+    EXPECT_EQ(Cli(dir, {}).code, 2);
+    EXPECT_EQ(Cli(dir, {"detect"}).code, 2);
+    auto r = Cli(dir, {"--help"});
+    EXPECT_EQ(r.code, 0);
+    EXPECT_THAT(r.out, HasSubstr("detect"));
+}
+
+}  // namespace
+}  // namespace ardel
