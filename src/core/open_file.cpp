@@ -206,17 +206,20 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
         if (channel > channels - 1) channel = channels - 1;
         if (channel < 1) channel = 0;
     }
-    r.ChannelIndex = ToUInt8(channel).value_or(0);
+    const std::uint8_t channelIndex = ToUInt8(channel).value_or(0);
 
-    const int seq = header.nADCSamplingSeq[r.ChannelIndex];
+    // Checked before the channel is taken over: the buffers still have the old file's shape,
+    // and a channel beyond it must not reach them.
+    const int seq = header.nADCSamplingSeq[channelIndex];
     if (seq < 0 || seq >= kAbfMaxChannels) {
         ui.Message(kInconsistentTitle, "The header of " + name + " gives ADC number " +
                                            CStr(seq) + " for channel " +
-                                           CStr(int(r.ChannelIndex)) +
+                                           CStr(int(channelIndex)) +
                                            ".  The file cannot be opened.");
         r.FileIsOpen = false;
         return false;
     }
+    r.ChannelIndex = channelIndex;
 
     r.TotalBlocks = OpenSequenceTotalBlocks(r.header);
     r.ScreenBlock = r.header.lDataSectionPtr;
@@ -366,6 +369,24 @@ void menu_ExtractSynchArray(Session& s, UserDialogs& ui, SynchTarget target) {
     ui.Message("Synch Array", "This file contains " + CStr(h.lSynchArraySize) +
                                   " Synch Arrays.  And the time of all the events are updated "
                                   "and set to Relative Time.");
+}
+
+void AttachRecordingFile(Recording& r, std::shared_ptr<const SampleSource> source,
+                         const AbfHeader& header, const std::string& name) {
+    r.warnings.clear();
+    if (source->Size() < kAbfHeaderSize)
+        r.warnings.push_back(name + ": the file is only " + std::to_string(source->Size()) +
+                             " bytes long, shorter than the 6144-byte header; the missing bytes "
+                             "read as zeros.");
+    r.header = header;
+    r.source = std::move(source);
+    const int channels = std::clamp<int>(header.nADCNumChannels, 1, kAbfMaxChannels);
+    r.LastChannelIndex = std::uint8_t(channels - 1);
+    r.SampleInterval =
+        float(double(header.nADCNumChannels) * double(header.fADCSampleInterval));
+    r.DimensionBuffers();
+    CollectLayoutWarnings(r, name);
+    ReadTags(r, name);
 }
 
 }  // namespace ardel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,14 @@ namespace ardel {
 // first Display. Returns FileIsOpen. Problems that do not stop the open (a truncated file,
 // counts beyond the file's end) are listed in s.recording.warnings.
 bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file);
+
+// Makes the file behind source the recording's data file as a batch run takes it, without the
+// open sequence's questions: the header as read, the source, LastChannelIndex, SampleInterval,
+// fresh screen buffers, the tags and the warnings about the file's layout. The caller has
+// checked the header (1 to 16 channels) and keeps FileIsOpen, Label11, the channel, TotalBlocks
+// and ScreenBlock; it sets the scale factors first, since the warnings look at them.
+void AttachRecordingFile(Recording& r, std::shared_ptr<const SampleSource> source,
+                         const AbfHeader& header, const std::string& name);
 
 // Switches the active channel (Combo3): scale factors again, buffers afresh, Display.
 void SelectChannel(Session& s, int channelIndex);

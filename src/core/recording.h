@@ -50,6 +50,10 @@ private:
 };
 
 struct Recording {
+    // The buffers exist from the start, zero-filled, so the sample routines are safe to call
+    // before any file is opened.
+    Recording() { DimensionBuffers(); }
+
     std::filesystem::path DataFilePath;
     bool FileIsOpen = false;
     AbfHeader header;

@@ -232,3 +232,79 @@ TEST(CliUsage, MissingArgumentsAreUsageErrors) {
 
 }  // namespace
 }  // namespace ardel
+
+namespace ardel {
+namespace {
+
+TEST(CliEventFiles, ParallelRunsWriteTheSameEventFilesThatReadBackToTheSameTables) {
+    TempDir serial, parallel;
+    std::vector<std::string> names{"a.abf", "b.abf", "c.abf"};
+    for (const auto* dir : {&serial, &parallel})
+        for (std::size_t k = 0; k < names.size(); ++k) {
+            AbfBuildSpec spec;
+            spec.sampleIntervalUs = 100;
+            spec.scaleFactors = {0.005f};
+            auto trace = testing::MakeTrace(
+                120000, 0, {{20000 + 7000 * std::int64_t(k), -400, 10, 60}, {80050, -650, 8, 90}},
+                20, 7 + unsigned(k));
+            testing::WriteAbf(dir->path() / names[k], spec, {trace});
+        }
+    auto args = [&](const TempDir& d, const char* jobs) {
+        std::vector<std::string> a{"detect"};
+        for (auto& n : names) a.push_back((d.path() / n).string());
+        a.insert(a.end(), {"--jobs", jobs, "--csv", d.path().string()});
+        return a;
+    };
+    auto r1 = Cli(serial, args(serial, "1"));
+    auto r2 = Cli(parallel, args(parallel, "2"));
+    ASSERT_EQ(r1.code, 0) << r1.err;
+    ASSERT_EQ(r2.code, 0) << r2.err;
+    for (const auto& n : names) {
+        const std::string stem = std::filesystem::path(n).stem().string();
+        const std::string evt1 = ReadAll(serial.path() / (stem + ".EVT"));
+        ASSERT_EQ(evt1.size(), 6144u) << n;  // a few events lie inside the header copy
+        EXPECT_EQ(evt1, ReadAll(parallel.path() / (stem + ".EVT"))) << n;
+
+        // The event file read back gives the table the detection wrote.
+        const auto back = serial.path() / (stem + "_back.csv");
+        auto r = Cli(serial, {"events", (serial.path() / (stem + ".EVT")).string(), "--csv",
+                              back.string()});
+        ASSERT_EQ(r.code, 0) << r.err;
+        EXPECT_EQ(ReadAll(back), ReadAll(serial.path() / (stem + ".csv"))) << n;
+    }
+    // The reports come in file order whatever finished first.
+    EXPECT_LT(r2.err.find("a.abf:"), r2.err.find("b.abf:"));
+    EXPECT_LT(r2.err.find("b.abf:"), r2.err.find("c.abf:"));
+}
+
+TEST(CliEventFiles, EventsRefusesAFileThatIsNoEventFile) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    auto r = Cli(dir, {"events", file.string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("Not an Event File: This file is not an event file."));
+}
+
+TEST(CliEventFiles, ParameterFileAndDesktopBatch) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    // A first run leaves an event file whose parameters a second run takes over with --par.
+    auto r = Cli(dir, {"detect", file.string(), "--param", "ThresholdAmplitude!=40"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    r = Cli(dir, {"detect", file.string(), "--par", (dir / "cell.EVT").string(), "--no-evt"});
+    EXPECT_THAT(r.err, HasSubstr(", 1 events,"));
+    r = Cli(dir, {"detect", file.string(), "--par", file.string()});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("Not a Parameter File"));
+
+    // The desktop batch on a one-channel file writes the same event file as the plain run.
+    const std::string plain = ReadAll(dir / "cell.EVT");
+    std::filesystem::remove(dir / "cell.EVT");
+    r = Cli(dir, {"detect", file.string(), "--desktop-batch", "--param", "ThresholdAmplitude!=40"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_THAT(r.err, HasSubstr("cell.abf: 1 events"));
+    EXPECT_EQ(ReadAll(dir / "cell.EVT"), plain);
+}
+
+}  // namespace
+}  // namespace ardel

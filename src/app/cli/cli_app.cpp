@@ -3,18 +3,22 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <atomic>
 #include <chrono>
+#include <thread>
 #include <cmath>
 #include <cstdio>
 #include <ostream>
 #include <sstream>
 
 #include "app/cli/cli_dialogs.h"
+#include "core/event_files.h"
 #include "core/event_table.h"
 #include "core/ini_file.h"
 #include "core/number_text.h"
 #include "core/open_file.h"
 #include "core/settings.h"
+#include "detect/batch_analysis.h"
 #include "detect/window_analysis.h"
 
 namespace ardel::cli {
@@ -28,8 +32,12 @@ struct DetectOptions {
     bool complexPeak = false;
     std::vector<std::string> params;
     std::string ini;
+    std::string par;
     std::string csv;
     std::string grid;
+    int jobs = 1;
+    bool desktopBatch = false;
+    bool noEvt = false;
 };
 
 // Everything a file's analysis needs before it starts: settings file, then --param, then the
@@ -39,6 +47,12 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
     const std::filesystem::path ini = o.ini.empty() ? ArdelvanIniPath(programDir) : std::filesystem::path(o.ini);
     try {
         LoadIniSettings(s, ini, programDir);
+        if (!o.par.empty()) {
+            CliDialogs ui(err);
+            ui.openFileAnswer = o.par;
+            menu_LoadParameter(s, ui, programDir);
+            if (ui.messages > 0) return false;  // not a parameter or event file
+        }
         for (const std::string& kv : o.params) {
             auto eq = kv.find('=');
             if (eq == std::string::npos) {
@@ -127,73 +141,202 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
     return true;
 }
 
-int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& out,
-              std::ostream& err) {
-    int status = 0;
-    const bool tty = ::isatty(STDERR_FILENO) && &err == &std::cerr;
-    for (const std::string& file : o.files) {
-        Session s;
-        if (!PrepareSession(s, o, programDir, err)) return 2;
-        CliDialogs ui(err);
-        if (!OpenForCli(s, ui, file, o.channel, err)) {
-            status = 1;
-            continue;
-        }
-        const Recording& r = s.recording;
-        const std::string name = std::filesystem::path(file).filename().string();
-        if (tty) {
-            ui.onProgress = [&] {
-                double done = (r.ScreenBlock - r.header.lDataSectionPtr) /
-                              std::max<double>(1.0, r.TotalBlocks);
-                char line[160];
-                std::snprintf(line, sizeof line, "\r%s: %3.0f%%, %d events", name.c_str(),
-                              std::clamp(done, 0.0, 1.0) * 100.0, int(s.events.EventCount()));
-                err << line << std::flush;
-            };
-        }
-        const auto t0 = std::chrono::steady_clock::now();
-        const int messagesBefore = ui.messages;
-        Command1(s, ui);
-        if (ui.messages > messagesBefore) {  // improper parameters: nothing was analysed
-            status = 1;
-            continue;
-        }
-        Command3(s, ui);
-        const double wall =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-        if (tty) err << "\r\033[K" << std::flush;
+// Writes --csv and --grid for one analysed file; with several files the options name folders.
+bool WriteTables(const Session& s, const DetectOptions& o, const std::string& file,
+                 bool several, std::ostream& log) {
+    bool ok = true;
+    auto target = [&](const std::string& opt, const char* ext) {
+        if (!several) return opt;
+        return (std::filesystem::path(opt) / (std::filesystem::path(file).stem().string() + ext))
+            .string();
+    };
+    if (!o.csv.empty()) {
+        const std::string path = target(o.csv, ".csv");
+        if (WriteText(path, EventCsv(s.events), log)) log << "events written to " << path << '\n';
+        else ok = false;
+    }
+    if (!o.grid.empty()) {
+        const std::string path = target(o.grid, ".txt");
+        if (WriteText(path, EventGrid(s), log)) log << "grid written to " << path << '\n';
+        else ok = false;
+    }
+    return ok;
+}
 
-        const double totalPoints = double(std::max(0, r.header.lActualAcqLength)) / r.Channels();
-        const double reached = (r.ScreenBlock + r.BlocksPerScreen - r.header.lDataSectionPtr) * 256.0;
-        const double points = std::clamp(reached, 0.0, std::max(totalPoints, 0.0));
-        const double seconds = points * r.SampleInterval / 1e6;
-        char summary[512];
-        std::snprintf(summary, sizeof summary,
-                      "%s: channel %d, %d events, %.3f s of recording analysed in %.3f s "
-                      "(%.0f samples/s)",
-                      name.c_str(), int(r.ChannelIndex), int(s.events.EventCount()), seconds,
-                      wall, wall > 0 ? points / wall : 0.0);
-        err << summary << '\n';
+// Re-running over the same files replaces their event files.
+void AnswerReplaceWithYes(CliDialogs& ui) {
+    ui.answerFor = [](std::string_view title) -> std::optional<Answer> {
+        if (title == "Replace File") return Answer::Yes;
+        return std::nullopt;
+    };
+}
 
-        const bool several = o.files.size() > 1;
-        auto target = [&](const std::string& opt, const char* ext) {
-            if (!several) return opt;
-            return (std::filesystem::path(opt) /
-                    (std::filesystem::path(file).stem().string() + ext))
-                .string();
+// One file as a user would do it: open, F9, F11, save the event file beside the data file.
+int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
+                const std::filesystem::path& programDir, std::ostream& log, bool progress) {
+    Session s;
+    if (!PrepareSession(s, o, programDir, log)) return 2;
+    CliDialogs ui(log);
+    AnswerReplaceWithYes(ui);
+    if (!OpenForCli(s, ui, file, o.channel, log)) return 1;
+    const Recording& r = s.recording;
+    const std::string name = std::filesystem::path(file).filename().string();
+    if (progress) {
+        ui.onProgress = [&] {
+            double done =
+                (r.ScreenBlock - r.header.lDataSectionPtr) / std::max<double>(1.0, r.TotalBlocks);
+            char line[160];
+            std::snprintf(line, sizeof line, "\r%s: %3.0f%%, %d events", name.c_str(),
+                          std::clamp(done, 0.0, 1.0) * 100.0, int(s.events.EventCount()));
+            log << line << std::flush;
         };
-        if (!o.csv.empty()) {
-            const std::string path = target(o.csv, ".csv");
-            if (!WriteText(path, EventCsv(s.events), err)) status = 1;
-            else out << "events written to " << path << '\n';
+    }
+    const auto t0 = std::chrono::steady_clock::now();
+    const int messagesBefore = ui.messages;
+    Command1(s, ui);
+    if (ui.messages > messagesBefore) return 1;  // improper parameters: nothing was analysed
+    Command3(s, ui);
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    if (progress) log << "\r\033[K" << std::flush;
+
+    const double totalPoints = double(std::max(0, r.header.lActualAcqLength)) / r.Channels();
+    const double reached = (r.ScreenBlock + r.BlocksPerScreen - r.header.lDataSectionPtr) * 256.0;
+    const double points = std::clamp(reached, 0.0, std::max(totalPoints, 0.0));
+    char summary[512];
+    std::snprintf(summary, sizeof summary,
+                  "%s: channel %d, %d events, %.3f s of recording analysed in %.3f s "
+                  "(%.0f samples/s)",
+                  name.c_str(), int(r.ChannelIndex), int(s.events.EventCount()),
+                  points * r.SampleInterval / 1e6, wall, wall > 0 ? points / wall : 0.0);
+    log << summary << '\n';
+
+    int status = 0;
+    if (!o.noEvt) {
+        // The batch path of the save: no dialog, NAME.EVT beside the data file.
+        const auto evt = BatchEventFilePath(s);
+        s.display.BatchRunning = true;
+        const bool saved = menu_SaveEvent(s, ui);
+        s.display.BatchRunning = false;
+        if (saved) log << "event file written to " << evt.string() << '\n';
+        else if (s.events.EventCount() > 0) {
+            log << "error: the event file " << evt.string() << " could not be written\n";
+            status = 1;
         }
-        if (!o.grid.empty()) {
-            const std::string path = target(o.grid, ".txt");
-            if (!WriteText(path, EventGrid(s), err)) status = 1;
-            else out << "grid written to " << path << '\n';
+    }
+    if (!WriteTables(s, o, file, several, log)) status = 1;
+    return status;
+}
+
+int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& programDir,
+                    std::ostream& out, std::ostream& err) {
+    Session s;
+    if (!PrepareSession(s, o, programDir, err)) return 2;
+    if (o.channel) s.recording.ChannelIndex = std::uint8_t(std::clamp(*o.channel, 0, 15));
+    CliDialogs ui(err);
+    AnswerReplaceWithYes(ui);
+    std::vector<std::filesystem::path> files(o.files.begin(), o.files.end());
+    const BatchReport report = RunBatch(s, ui, files);
+    int status = 0;
+    for (const BatchFileOutcome& f : report.files) {
+        for (const std::string& w : f.warnings) err << "warning: " << w << '\n';
+        const std::string name = f.file.filename().string();
+        switch (f.status) {
+            case BatchFileStatus::Analysed:
+                err << name << ": " << f.eventCount << " events";
+                if (!f.eventFile.empty()) out << "event file written to " << f.eventFile.string() << '\n';
+                err << '\n';
+                break;
+            case BatchFileStatus::PassedOver: err << name << ": passed over\n"; break;
+            case BatchFileStatus::NotAbf:
+                err << name << ": not an ABF file, skipped\n";
+                status = 1;
+                break;
+            case BatchFileStatus::Unreadable:
+                err << name << ": cannot be read, skipped\n";
+                status = 1;
+                break;
+            case BatchFileStatus::Unusable:
+                err << name << ": header unusable for the analysis, skipped\n";
+                status = 1;
+                break;
         }
     }
     return status;
+}
+
+int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& out,
+              std::ostream& err) {
+    if (o.desktopBatch) return RunDesktopBatch(o, programDir, out, err);
+    const bool several = o.files.size() > 1;
+    const bool tty = ::isatty(STDERR_FILENO) && &err == &std::cerr;
+    const int jobs = std::clamp(o.jobs, 1, 64);
+    if (jobs == 1) {
+        int status = 0;
+        for (const std::string& file : o.files) {
+            std::ostringstream log;
+            int st = AnalyseFile(o, file, several, programDir, tty ? err : log, tty);
+            err << log.str();
+            if (st == 2) return 2;
+            status = std::max(status, st);
+        }
+        return status;
+    }
+    // Each file in its own session on its own thread; the reports come out in file order.
+    std::vector<std::ostringstream> logs(o.files.size());
+    std::vector<int> codes(o.files.size(), 0);
+    std::atomic<std::size_t> next{0};
+    std::vector<std::thread> workers;
+    for (int w = 0; w < jobs; ++w) {
+        workers.emplace_back([&] {
+            for (std::size_t i; (i = next.fetch_add(1)) < o.files.size();) {
+                try {
+                    codes[i] = AnalyseFile(o, o.files[i], several, programDir, logs[i], false);
+                } catch (const std::exception& e) {
+                    logs[i] << "error: " << o.files[i] << ": " << e.what() << '\n';
+                    codes[i] = 1;
+                }
+            }
+        });
+    }
+    for (auto& t : workers) t.join();
+    int status = 0;
+    for (std::size_t i = 0; i < o.files.size(); ++i) {
+        err << logs[i].str();
+        status = std::max(status, codes[i]);
+    }
+    return status;
+}
+
+// The table of an event file, opened against its data file beside it.
+int RunEvents(const std::string& file, const DetectOptions& o, std::ostream& out,
+              std::ostream& err) {
+    std::error_code ec;
+    if (!std::filesystem::exists(file, ec)) {
+        err << "error: " << file << ": no such file\n";
+        return 1;
+    }
+    std::vector<std::uint8_t> head(kAbfHeaderSize);
+    try {
+        FileSource(file).Read(0, head);
+    } catch (const std::exception& e) {
+        err << "error: " << e.what() << '\n';
+        return 1;
+    }
+    if (!IsArdelvantineFile(AbfHeader::FromBytes(head))) {
+        err << "Not an Event File: This file is not an event file.  Please check the file and "
+               "try again.\n";
+        return 1;
+    }
+    Session s;
+    CliDialogs ui(err);  // the conversion question of an older file is answered No
+    if (!OpenForCli(s, ui, file, o.channel, err)) return 1;
+    err << std::filesystem::path(file).filename().string() << ": " << s.events.EventCount()
+        << " events of " << s.Label11 << '\n';
+    std::ostringstream log;
+    const bool ok = WriteTables(s, o, file, false, log);
+    out << log.str();
+    if (o.csv.empty() && o.grid.empty()) out << EventCsv(s.events);
+    return ok ? 0 : 1;
 }
 
 int RunInfo(const std::string& file, std::optional<int> channel, std::ostream& out,
@@ -224,7 +367,8 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
     auto* detect = app.add_subcommand(
         "detect",
         "Detect events: open each file as the desktop does, analyse the first screen, then "
-        "non-stop to the end");
+        "non-stop to the end, and save NAME.EVT beside each data file (an existing one is "
+        "replaced)");
     detect->add_option("FILE", d.files, "ABF data files")->required();
     detect->add_option("--channel", d.channel,
                        "Channel to analyse (0-based); above the last it is clamped");
@@ -238,12 +382,36 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
     detect->add_option("--ini", d.ini,
                        "Settings file (default: Ardelvan.ini beside the program; defaults when "
                        "it is missing)");
+    detect->add_option("--par", d.par,
+                       "Parameter file (.PAR, or an event file) whose detection parameters "
+                       "replace those of the settings file; --param still applies after it");
+    detect->add_option("--jobs", d.jobs, "Analyse this many files at once (default 1)")
+        ->check(CLI::Range(1, 64));
+    detect->add_flag("--no-evt", d.noEvt, "Do not save NAME.EVT beside each data file");
+    detect->add_flag(
+        "--desktop-batch", d.desktopBatch,
+        "Run the desktop's Batch Analysis instead: files one after the other in one session, "
+        "with the batch's own rules: TotalBlocks = samples / 256 whatever the channel count "
+        "(so multi-channel files run on past their end, reading zeros), and the gain always "
+        "multiplied by the stored fAutosampleAdditGain (a file storing 0 there finds no "
+        "events). Its event files are byte for byte those of the desktop's batch. --jobs, "
+        "--csv and --grid do not apply.");
     detect->add_option("--csv", d.csv,
                        "Write the stored fields of every event as CSV (a folder when several "
                        "files are given)");
     detect->add_option("--grid", d.grid,
                        "Write the table as the grid shows it, tab-separated (a folder when "
                        "several files are given)");
+
+    std::string eventsFile;
+    DetectOptions e;
+    auto* events = app.add_subcommand(
+        "events", "Open an event file against its data file (in the same folder) and write its table");
+    events->add_option("FILE", eventsFile, "Event file (.EVT)")->required();
+    events->add_option("--channel", e.channel, "Channel of the data file (default 0)");
+    events->add_option("--csv", e.csv, "Write the stored fields as CSV (standard output when "
+                                       "neither --csv nor --grid is given)");
+    events->add_option("--grid", e.grid, "Write the table as the grid shows it, tab-separated");
 
     std::string settingsIni;
     auto* settings = app.add_subcommand(
@@ -262,6 +430,7 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
 
     if (*info) return RunInfo(infoFile, infoChannel, out, err);
     if (*detect) return RunDetect(d, programDir, out, err);
+    if (*events) return RunEvents(eventsFile, e, out, err);
     if (*settings) {
         Session s;
         try {

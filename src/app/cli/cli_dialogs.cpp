@@ -1,6 +1,7 @@
 #include "app/cli/cli_dialogs.h"
 
 #include <ostream>
+#include <utility>
 
 namespace ardel::cli {
 
@@ -20,6 +21,10 @@ std::optional<std::string> CliDialogs::Input(std::string_view title, std::string
                                              std::string_view defaultText) {
     if (title == "Enter Channel Number" && channelAnswer) return channelAnswer;
     return std::string(defaultText);
+}
+
+std::optional<std::filesystem::path> CliDialogs::OpenFileName(const FileDialogSpec&) {
+    return std::exchange(openFileAnswer, std::nullopt);
 }
 
 void CliDialogs::Yield() {

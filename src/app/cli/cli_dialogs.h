@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <iosfwd>
 #include <optional>
@@ -21,7 +22,11 @@ public:
                Answer defaultAnswer) override;
     std::optional<std::string> Input(std::string_view title, std::string_view prompt,
                                      std::string_view defaultText) override;
+    std::optional<std::filesystem::path> OpenFileName(const FileDialogSpec& spec) override;
     void Yield() override;
+
+    // Answer of the next open-file dialog (a parameter file given on the command line).
+    std::optional<std::filesystem::path> openFileAnswer;
 
     // Answer of the channel question; unset: the question's default (0).
     std::optional<std::string> channelAnswer;
