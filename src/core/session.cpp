@@ -11,8 +11,20 @@ double DisplayState::CalculateYPosition(double sample, int channel) const {
 
 void Display(Session& s) {
     if (!s.recording.FileIsOpen) return;
-    s.recording.LoadScreens();
+    Recording& r = s.recording;
+    r.LoadScreens();
     if (s.options.FilterOn && s.screenFilter) s.screenFilter(s);
+    const bool drawsTrace = !(s.display.NonStopRunning && !s.display.DisplayTrace);
+    if (s.display.LockBase && drawsTrace) {
+        // The first point of each channel sits at the fraction FractionWindow from the bottom,
+        // so the offset moves by itself from screen to screen.
+        for (int c = 0; c <= r.LastChannelIndex && c < 16; ++c) {
+            const double first = r.CurrentScreen.empty() ? 0 : r.CurrentScreen[std::size_t(c)];
+            s.display.DisplayOffset[c] = ToInt32Clamped(
+                RoundHalfEven(32786.0 - 65536.0 * double(s.display.FractionWindow) -
+                              double(s.display.DisplayGain[c]) * first));
+        }
+    }
     s.display.transientMarks.clear();
     if (s.onDisplay) s.onDisplay(s);
 }
