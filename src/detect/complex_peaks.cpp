@@ -23,7 +23,7 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
     const auto counts = ComputePointCounts(rec, s.params);
     if (!counts) return false;
     const DetectionParameters& prm = s.params;
-    const DetectContext c{rec, prm, *counts, prm.PeakDirection >= 0 ? 1 : -1};
+    const DetectContext c{rec, prm, *counts, prm.PeakDirection == 1 ? 1 : -1};
     const int D = c.D;
     // The periods stay unrounded here; they are rounded only where an index is formed.
     const double maxD = counts->maxRaw;

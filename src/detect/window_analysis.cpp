@@ -19,6 +19,12 @@ std::optional<PointCounts> ComputePointCounts(const Recording& rec, const Detect
     c.averageRaw = p.PeriodBaselineAverage / si;
     c.decayRaw = p.PeriodFindDecayTime / si;
     if (c.maxRaw < 1 || c.leadRaw < 1 || c.averageRaw < 1 || c.decayRaw < 1) return std::nullopt;
+    // A period of more than 2^24 points reaches far beyond the three screens any search can
+    // see, and index arithmetic on it would leave the 32-bit range: refused like one too short.
+    constexpr double kMaxPoints = 16777216.0;
+    if (c.maxRaw > kMaxPoints || c.leadRaw > kMaxPoints || c.averageRaw > kMaxPoints ||
+        c.decayRaw > kMaxPoints)
+        return std::nullopt;
     auto mp = ToInt32(c.maxRaw), lp = ToInt32(c.leadRaw), ap = ToInt32(c.averageRaw),
          dp = ToInt32(c.decayRaw);
     if (!mp || !lp || !ap || !dp) return std::nullopt;
@@ -315,7 +321,7 @@ void Command1(Session& s, UserDialogs& ui) {
         return;
     }
     const DetectionParameters& prm = s.params;
-    const DetectContext c{rec, prm, *counts, prm.PeakDirection >= 0 ? 1 : -1};
+    const DetectContext c{rec, prm, *counts, prm.PeakDirection == 1 ? 1 : -1};
     const int D = c.D;
     const std::int32_t maxPts = counts->MaxPoints;
     const std::int32_t lead = counts->LeadPoints;
