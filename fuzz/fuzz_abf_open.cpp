@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -21,11 +23,19 @@ namespace fs = std::filesystem;
 
 // One folder per process, so that parallel fuzzing jobs do not share the file. The input is
 // the only file in it, which also gives the event-file branch something to find: an input
-// that names "input.abf" as its data file opens itself as the data.
+// that names "input.abf" as its data file opens itself as the data. The folder is removed at
+// exit; its name is kept in a plain buffer, which outlives every static object.
+char folderName[4096];
+
 const fs::path& InputFile() {
     static const fs::path file = [] {
         fs::path dir = fs::temp_directory_path() / ("ardel-fuzz-abf-" + std::to_string(::getpid()));
         fs::create_directories(dir);
+        std::snprintf(folderName, sizeof folderName, "%s", dir.c_str());
+        std::atexit([] {
+            std::error_code ec;
+            fs::remove_all(folderName, ec);
+        });
         return dir / "input.abf";
     }();
     return file;
@@ -49,8 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ardel::SelectChannel(s, s.recording.LastChannelIndex);
     ardel::Command1(s, ui);
     ardel::Command2(s, ui);
-    for (std::int32_t i = -s.recording.ScreenPoints() - 1; i <= 2 * s.recording.ScreenPoints();
-         ++i)
+    for (std::int32_t i = -s.recording.ScreenPoints() - 1; i <= 2 * s.recording.ScreenPoints(); ++i)
         (void)s.recording.GetSampleValue(i);
     return 0;
 }

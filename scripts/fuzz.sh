@@ -32,7 +32,7 @@ if [ -z "$cxx" ]; then
 fi
 
 cmake -S "$root" -B "$build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DARDEL_FUZZ=ON -DARDEL_SANITIZE=ON -DARDEL_BUILD_TESTS=OFF >/dev/null
+    -DARDEL_FUZZ=ON -DARDEL_SANITIZE=ON -DARDEL_BUILD_TESTS=OFF -DARDEL_BUILD_GUI=OFF >/dev/null
 jobs=$(nproc 2>/dev/null || echo 2)
 
 status=0

@@ -12,6 +12,7 @@ namespace ardel {
 namespace {
 
 constexpr const char* kInconsistentTitle = "Inconsistent ABF Header";
+constexpr float kMinSampleIntervalUs = 0.01f;
 
 // Reads the header record from byte 0 and the 34 characters at 2014.
 AbfHeader ReadHeader(const SampleSource& src, std::vector<std::string>& warnings,
@@ -35,7 +36,9 @@ bool CheckHeader(const AbfHeader& h, UserDialogs& ui, const std::string& name) {
                                            "cannot be opened.");
         return false;
     }
-    if (!(std::isfinite(h.fADCSampleInterval) && h.fADCSampleInterval > 0)) {
+    // No converter samples faster than 100 MHz; an interval below that is a damaged header,
+    // and it would turn every search window of the detection into billions of points.
+    if (!(std::isfinite(h.fADCSampleInterval) && h.fADCSampleInterval >= kMinSampleIntervalUs)) {
         ui.Message(kInconsistentTitle, "The header of " + name + " gives a sample interval of " +
                                            CStr(h.fADCSampleInterval) +
                                            " us.  The file cannot be opened.");

@@ -25,7 +25,9 @@ void Display(Session& s) {
                               double(s.display.DisplayGain[c]) * first));
         }
     }
+    // A redraw loses what was drawn over the trace: the scan's marks and the selection mark.
     s.display.transientMarks.clear();
+    s.display.SelectedEvent = 0;
     if (s.onDisplay) s.onDisplay(s);
 }
 

@@ -532,6 +532,16 @@ bool ApplyAnalysisParam(Session& s, std::string_view key, std::string_view value
         s.params.NumberPointsPeak = n;
         return true;
     }
+    // The filter's two keys live in the Display section; they are accepted here as well so that
+    // one option sets everything the detection sees.
+    if (EqualsNoCase(key, "FilterType")) {
+        s.options.FilterType = IntegerFrom("Display", "FilterType", text);
+        return true;
+    }
+    if (EqualsNoCase(key, "FilterFreq")) {
+        s.options.FilterFreq = std::string(text);
+        return true;
+    }
     return false;
 }
 

@@ -178,6 +178,8 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         EventRecord& ev = s.events.Add();
         fill(ev);
         ev.GroupNumber = 0;
+        ev.BurstNumber = 0;
+        ev.BurstEventNumber = 0;
         ev.PeakDirection = std::int16_t(D);
 
         AddEventMarks(s, P, V, P - leadD + avgD / 2, base, r2, c.Sample(r2), e2, c.Sample(e2));

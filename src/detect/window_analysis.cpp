@@ -1,9 +1,12 @@
 #include "detect/window_analysis.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <set>
+#include <tuple>
 
 #include "core/number_text.h"
 #include "detect/complex_peaks.h"
@@ -338,8 +341,31 @@ void Command1(Session& s, UserDialogs& ui) {
     float slope1090 = 0;
     std::int16_t rise50 = 0;
 
+    // With complex peaks the scan goes on from the newest record, which may lie behind the
+    // chunk just scanned, and that record is the parent of the next peak search. All the scan
+    // goes on is the chunk and the newest record, so coming back to a chunk with the same
+    // newest record, or finding a peak that measures the same as one before it in a train,
+    // would repeat the same steps for ever. The train then ends, and the scan goes on one chunk
+    // past the furthest chunk reached.
+    using ScanState =
+        std::tuple<std::int32_t, std::uint32_t, std::int32_t, std::int16_t, std::int16_t>;
+    auto stateOf = [&s](std::int32_t at) {
+        const EventRecord& last = s.events.Last();
+        return ScanState{at, std::bit_cast<std::uint32_t>(last.Time), last.Amplitude, last.Baseline,
+                         last.Noise};
+    };
+    std::set<ScanState> chunksSeen;
+
     std::int32_t i = rec.ScreenBlock == rec.header.lDataSectionPtr ? lead + maxPts : 0;
+    std::int32_t furthest = i;
     while (i <= N) {
+        if (s.options.ComplexPeak) {
+            if (!chunksSeen.insert(stateOf(i)).second) {
+                i = furthest + maxPts;
+                continue;
+            }
+            furthest = std::max(furthest, i);
+        }
         Peak pk = FindMax(c, i, maxPts, counts->PeakHalf);
         std::int32_t p = pk.index;
         std::int32_t v = pk.value;
@@ -430,13 +456,17 @@ void Command1(Session& s, UserDialogs& ui) {
                 ev.PeakDirection = std::int16_t(D);
                 ev.Slope1090 = slope1090;
                 ev.GroupNumber = 0;
+                ev.BurstNumber = 0;
+                ev.BurstEventNumber = 0;
                 ev.RelativeTime = p;
                 if (auto pp = ToInt32(rec.ScreenStartPoint() + p)) ev.PeakPoint = *pp;
 
                 if (s.options.ComplexPeak) {
+                    std::set<ScanState> train{stateOf(0)};
                     bool flag = true;
                     while (flag && i < N) {
                         flag = DetectMultiPeak(s, ui, s.events.EventCount(), false);
+                        if (flag && !train.insert(stateOf(0)).second) flag = false;
                         auto tb = rec.CalculateTimeBit(s.events.Last().Time);
                         if (tb) i = *tb;
                         if (!flag) i += maxPts;

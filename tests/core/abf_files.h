@@ -79,7 +79,8 @@ struct AbfFileBuilder {
             std::uint8_t* t = bytes.data() + k * 64;
             std::memcpy(t, &tags[k].first, 4);
             std::memset(t + 4, ' ', 56);
-            std::memcpy(t + 4, tags[k].second.data(), std::min<std::size_t>(56, tags[k].second.size()));
+            std::memcpy(t + 4, tags[k].second.data(),
+                        std::min<std::size_t>(56, tags[k].second.size()));
             t[60] = 1;  // nTagType and the voice tag number, carried unread
             t[62] = std::uint8_t(k + 7);
         }
@@ -123,7 +124,7 @@ struct AbfFileBuilder {
 // Every interaction as one line "Kind|title|text"; questions take the scripted answers in
 // turn and then `fallback`, input boxes `input`, file dialogs are cancelled.
 class RecordingDialogs : public UserDialogs {
-public:
+  public:
     std::vector<std::string> log;
     std::vector<Answer> answers;
     Answer fallback = Answer::Cancel;
@@ -159,7 +160,7 @@ public:
     void Beep() override {}
     void Yield() override {}
 
-private:
+  private:
     std::size_t asked_ = 0;
 };
 

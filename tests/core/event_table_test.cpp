@@ -27,7 +27,7 @@ using testing::TempDir;
 // one bit of channel 0 exactly 1/1024 of its unit; its two offsets add up to 2.5. Channel 1
 // has gain 0.25 and no offset.
 class GridTest : public ::testing::Test {
-protected:
+  protected:
     TempDir dir;
     Session s;
 
@@ -76,9 +76,9 @@ protected:
 };
 
 TEST_F(GridTest, CaptionsWithTheEventCountInColumn0) {
-    const char* captions[] = {"Time (ms)", "Amplitude", "Rise (ms)", "Decay (ms)", "Area",
-                              "Baseline", "Noise", "Group", "Channel", "10-90Rise",
-                              "HalfWidth", "Rise50", "Peak Dir", "Burst#", "BurstE#",
+    const char* captions[] = {"Time (ms)",  "Amplitude", "Rise (ms)", "Decay (ms)", "Area",
+                              "Baseline",   "Noise",     "Group",     "Channel",    "10-90Rise",
+                              "HalfWidth",  "Rise50",    "Peak Dir",  "Burst#",     "BurstE#",
                               "10-90Slope", "Rel Time"};
     for (int c = 1; c < kGridColumns; ++c) EXPECT_EQ(GridCaption(s.events, c), captions[c - 1]);
     EXPECT_EQ(GridCaption(s.events, 0), "0");
@@ -98,12 +98,12 @@ TEST_F(GridTest, CellTextsConvertStoredUnitsWithTheActiveChannel) {
     AddSample();
     EXPECT_EQ(Cell(1, 0), "1");
     EXPECT_EQ(Cell(1, 1), "1,234.57");
-    EXPECT_EQ(Cell(1, 2), "1");       // Bit2pA2: 1024 bits, no offset
-    EXPECT_EQ(Cell(1, 3), "0.15");    // 3 points of 50 us
+    EXPECT_EQ(Cell(1, 2), "1");     // Bit2pA2: 1024 bits, no offset
+    EXPECT_EQ(Cell(1, 3), "0.15");  // 3 points of 50 us
     EXPECT_EQ(Cell(1, 4), "2.00");
     EXPECT_EQ(Cell(1, 5), "12.50");
-    EXPECT_EQ(Cell(1, 6), "4.5");     // Bit2pA: 2048 bits plus the offset 2.5
-    EXPECT_EQ(Cell(1, 7), "-0.5");    // Bit2pA2: no offset
+    EXPECT_EQ(Cell(1, 6), "4.5");   // Bit2pA: 2048 bits plus the offset 2.5
+    EXPECT_EQ(Cell(1, 7), "-0.5");  // Bit2pA2: no offset
     EXPECT_EQ(Cell(1, 8), "254");
     EXPECT_EQ(Cell(1, 9), "1");
     EXPECT_EQ(Cell(1, 10), "0.25");

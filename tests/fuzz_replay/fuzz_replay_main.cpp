@@ -1,9 +1,9 @@
 // Runs a fuzz target's entry function over every file of its corpus folder, so that an input
 // that once crashed the reader stays fixed. Built without libFuzzer, in the normal test build
 // (with the sanitizers when they are on).
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

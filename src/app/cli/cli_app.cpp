@@ -19,6 +19,7 @@
 #include "core/open_file.h"
 #include "core/settings.h"
 #include "detect/batch_analysis.h"
+#include "detect/digital_filter.h"
 #include "detect/window_analysis.h"
 
 namespace ardel::cli {
@@ -38,6 +39,7 @@ struct DetectOptions {
     int jobs = 1;
     bool desktopBatch = false;
     bool noEvt = false;
+    bool filter = false;
 };
 
 // Everything a file's analysis needs before it starts: settings file, then --param, then the
@@ -76,6 +78,7 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
         s.recording.BlocksPerScreen = float(std::clamp(b, 1.0, 32767.0));
     }
     if (o.complexPeak) s.options.ComplexPeak = true;
+    if (o.filter) s.options.FilterOn = true;
     return true;
 }
 
@@ -178,7 +181,16 @@ int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
     if (!PrepareSession(s, o, programDir, log)) return 2;
     CliDialogs ui(log);
     AnswerReplaceWithYes(ui);
+    if (s.options.FilterOn) InstallDigitalFilter(s, ui);
     if (!OpenForCli(s, ui, file, o.channel, log)) return 1;
+    if (s.options.FilterOn) {
+        // Said once here rather than on every screen of the run.
+        const double rate = SamplingFrequency(s.recording);
+        if (auto message = CutoffMessage(Val(s.options.FilterFreq), rate)) {
+            log << "error: " << *message << '\n';
+            return 2;
+        }
+    }
     const Recording& r = s.recording;
     const std::string name = std::filesystem::path(file).filename().string();
     if (progress) {
@@ -396,6 +408,12 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
         "multiplied by the stored fAutosampleAdditGain (a file storing 0 there finds no "
         "events). Its event files are byte for byte those of the desktop's batch. --jobs, "
         "--csv and --grid do not apply.");
+    detect->add_flag("--filter", d.filter,
+                     "Filter the trace before detection with the digital filter of the settings "
+                     "(Display section FilterType and FilterFreq, or --param FilterType=N "
+                     "--param FilterFreq=HZ): 0 Butterworth low-pass, 1 high-pass, 2 Chebychev "
+                     "low-pass, 3 high-pass, 4 Inv Chebychev low-pass, 5 high-pass, 6 elliptic "
+                     "low-pass, 7 high-pass; order 8, causal");
     detect->add_option("--csv", d.csv,
                        "Write the stored fields of every event as CSV (a folder when several "
                        "files are given)");
@@ -404,14 +422,14 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
                        "several files are given)");
 
     std::string eventsFile;
-    DetectOptions e;
+    DetectOptions ev;
     auto* events = app.add_subcommand(
         "events", "Open an event file against its data file (in the same folder) and write its table");
     events->add_option("FILE", eventsFile, "Event file (.EVT)")->required();
-    events->add_option("--channel", e.channel, "Channel of the data file (default 0)");
-    events->add_option("--csv", e.csv, "Write the stored fields as CSV (standard output when "
+    events->add_option("--channel", ev.channel, "Channel of the data file (default 0)");
+    events->add_option("--csv", ev.csv, "Write the stored fields as CSV (standard output when "
                                        "neither --csv nor --grid is given)");
-    events->add_option("--grid", e.grid, "Write the table as the grid shows it, tab-separated");
+    events->add_option("--grid", ev.grid, "Write the table as the grid shows it, tab-separated");
 
     std::string settingsIni;
     auto* settings = app.add_subcommand(
@@ -430,7 +448,7 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
 
     if (*info) return RunInfo(infoFile, infoChannel, out, err);
     if (*detect) return RunDetect(d, programDir, out, err);
-    if (*events) return RunEvents(eventsFile, e, out, err);
+    if (*events) return RunEvents(eventsFile, ev, out, err);
     if (*settings) {
         Session s;
         try {

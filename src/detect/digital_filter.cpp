@@ -1,0 +1,291 @@
+#include "detect/digital_filter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <memory>
+#include <numbers>
+
+// liquid.h takes std::complex for its complex type when <complex> comes first.
+#include <liquid/liquid.h>
+
+#include "core/number_text.h"
+
+namespace ardel {
+
+namespace {
+
+using Complex = std::complex<double>;
+
+// One factor 1 + c1 z^-1 + c2 z^-2 of a numerator or denominator, and a root it stands for
+// (to put each pole pair with the zero pair nearest to it).
+struct Quadratic {
+    double c1 = 0, c2 = 0;
+    Complex root;
+};
+
+// Groups roots into conjugate pairs and pairs of real roots, as quadratic factors.
+std::vector<Quadratic> Quadratics(const std::vector<Complex>& roots) {
+    std::vector<Quadratic> q;
+    std::vector<double> reals;
+    for (const Complex& r : roots) {
+        const double tol = 1e-9 * std::max(1.0, std::abs(r));
+        if (r.imag() > tol)
+            q.push_back({-2 * r.real(), std::norm(r), r});
+        else if (r.imag() >= -tol)
+            reals.push_back(r.real());
+        // The lower member of a conjugate pair comes with its upper one.
+    }
+    std::sort(reals.begin(), reals.end());
+    std::size_t i = 0;
+    for (; i + 1 < reals.size(); i += 2)
+        q.push_back({-(reals[i] + reals[i + 1]), reals[i] * reals[i + 1],
+                     Complex((reals[i] + reals[i + 1]) / 2, 0)});
+    if (i < reals.size()) q.push_back({-reals[i], 0, Complex(reals[i], 0)});
+    return q;
+}
+
+}  // namespace
+
+void IirFilter::Apply(std::span<double> data) const {
+    for (const Biquad& q : sections) {
+        // Transposed direct form II, from rest.
+        double s1 = 0, s2 = 0;
+        for (double& x : data) {
+            const double in = x;
+            const double y = q.b0 * in + s1;
+            s1 = q.b1 * in - q.a1 * y + s2;
+            s2 = q.b2 * in - q.a2 * y;
+            x = y;
+        }
+    }
+}
+
+std::complex<double> IirFilter::Response(double f) const {
+    const Complex w = std::polar(1.0, -2 * std::numbers::pi * f);  // z^-1
+    Complex h = 1;
+    for (const Biquad& q : sections)
+        h *= (q.b0 + q.b1 * w + q.b2 * w * w) / (1.0 + q.a1 * w + q.a2 * w * w);
+    return h;
+}
+
+std::optional<IirFilter> DesignDigitalFilter(int filterType, double samplingHz, double cutoffHz) {
+    if (filterType < 0 || filterType >= int(kFilterTypeCaptions.size())) return std::nullopt;
+    if (!(samplingHz > 0) || !std::isfinite(samplingHz)) return std::nullopt;
+    const double fc = cutoffHz / samplingHz;
+    if (!(fc > 0 && fc < 0.5)) return std::nullopt;
+    const bool highPass = filterType % 2 == 1;
+    const int family = filterType / 2;  // Butterworth, Chebyshev, inverse Chebyshev, elliptic
+
+    // The analog prototype (cut-off 1 rad/s) comes from liquid-dsp, with the gain convention
+    // of its own designer. The digital transform below is done in double precision: in single
+    // precision a high-pass of a few Hz at tens of kHz, the usual way to take out drift, loses
+    // its poles to rounding.
+    constexpr unsigned n = kFilterOrder;
+    liquid_float_complex za[n], pa[n], ka;
+    unsigned nza = 0;
+    double k0 = 1;
+    int rc = LIQUID_OK;
+    switch (family) {
+        case 0:
+            rc = butter_azpkf(n, za, pa, &ka);
+            break;
+        case 1: {
+            const double ep = std::sqrt(std::pow(10.0, kFilterRippleDb / 10.0) - 1.0);
+            // An even order starts at the bottom of the ripple.
+            k0 = 1.0 / std::sqrt(1.0 + ep * ep);
+            rc = cheby1_azpkf(n, float(ep), za, pa, &ka);
+            break;
+        }
+        case 2: {
+            const double es = std::pow(10.0, -kFilterAttenuationDb / 20.0);
+            nza = n;
+            rc = cheby2_azpkf(n, float(es), za, pa, &ka);
+            break;
+        }
+        default: {
+            const double gp = std::pow(10.0, -kFilterRippleDb / 20.0);
+            const double gs = std::pow(10.0, -kFilterAttenuationDb / 20.0);
+            const double ep = std::sqrt(1.0 / (gp * gp) - 1.0);
+            const double es = std::sqrt(1.0 / (gs * gs) - 1.0);
+            k0 = 1.0 / std::sqrt(1.0 + ep * ep);
+            nza = n;
+            rc = ellip_azpkf(n, float(ep), float(es), za, pa, &ka);
+            break;
+        }
+    }
+    if (rc != LIQUID_OK) return std::nullopt;
+
+    // Bilinear transform with pre-warping. A high-pass is the low-pass of the mirrored cut-off
+    // 0.5 - fc, turned over by z -> -z.
+    const double m =
+        highPass ? 1.0 / std::tan(std::numbers::pi * fc) : std::tan(std::numbers::pi * fc);
+    std::vector<Complex> zd(n), pd(n);
+    Complex gain = k0;
+    for (unsigned i = 0; i < n; ++i) {
+        const Complex zm = i < nza ? Complex(za[i].real(), za[i].imag()) * m : Complex(0);
+        zd[i] = i < nza ? (1.0 + zm) / (1.0 - zm) : Complex(-1, 0);
+        const Complex pm = Complex(pa[i].real(), pa[i].imag()) * m;
+        pd[i] = (1.0 + pm) / (1.0 - pm);
+        gain *= (1.0 - pd[i]) / (1.0 - zd[i]);
+    }
+    if (highPass) {
+        for (auto& z : zd) z = -z;
+        for (auto& p : pd) p = -p;
+    }
+
+    std::vector<Quadratic> poles = Quadratics(pd);
+    std::vector<Quadratic> zeros = Quadratics(zd);
+    if (poles.size() != zeros.size() || poles.empty()) return std::nullopt;
+    std::sort(poles.begin(), poles.end(), [](const Quadratic& a, const Quadratic& b) {
+        return std::abs(a.root) < std::abs(b.root);
+    });
+    const double g = gain.real();
+    const double perSection = std::pow(std::abs(g), 1.0 / double(poles.size()));
+    IirFilter filter;
+    for (std::size_t i = 0; i < poles.size(); ++i) {
+        auto nearest = std::min_element(
+            zeros.begin(), zeros.end(), [&](const Quadratic& a, const Quadratic& b) {
+                return std::abs(a.root - poles[i].root) < std::abs(b.root - poles[i].root);
+            });
+        const double k = i == 0 && g < 0 ? -perSection : perSection;
+        filter.sections.push_back({k, k * nearest->c1, k * nearest->c2, poles[i].c1, poles[i].c2});
+        zeros.erase(nearest);
+    }
+    for (const Biquad& q : filter.sections)
+        for (double c : {q.b0, q.b1, q.b2, q.a1, q.a2})
+            if (!std::isfinite(c)) return std::nullopt;
+    return filter;
+}
+
+double SamplingFrequency(const Recording& rec) {
+    return 1000000.0 / double(rec.SampleInterval);
+}
+
+std::optional<std::string> CutoffMessage(double cutoffHz, double samplingHz) {
+    if (!(2 * cutoffHz > samplingHz)) return std::nullopt;
+    return "The cutoff frequency has to be less than a half of sampling frequency.  The sampling "
+           "frequency of this record is " +
+           Format(samplingHz, "0") + ".  Please adjust the cut-off frequency accordingly.";
+}
+
+namespace {
+
+// The last design, kept so that a run over thousands of screens designs its filter once.
+struct DesignCache {
+    int type = -1;
+    double fs = 0, fc = 0;
+    std::optional<IirFilter> filter;
+};
+
+void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
+    Recording& rec = s.recording;
+    const std::size_t points = std::size_t(rec.ScreenPoints());
+    std::vector<std::int16_t>* buffers[3] = {&rec.PreviousScreen, &rec.CurrentScreen,
+                                             &rec.NextScreen};
+    const std::size_t stride = rec.CurrentScreen.size() / points;
+    const std::size_t ch = rec.ChannelIndex;
+    if (stride == 0 || ch >= stride) return;
+
+    const double fs = SamplingFrequency(rec);
+    const double fc = Val(s.options.FilterFreq);
+    if (auto text = CutoffMessage(fc, fs)) ui.Message("Digital Filter", *text);
+    if (cache.type != s.options.FilterType || cache.fs != fs || cache.fc != fc) {
+        cache.type = s.options.FilterType;
+        cache.fs = fs;
+        cache.fc = fc;
+        cache.filter = DesignDigitalFilter(s.options.FilterType, fs, fc);
+    }
+    if (!cache.filter) return;  // the buffers stay as read
+
+    // One run over previous, current and next: the screen shown has a screen of run-in
+    // before it.
+    std::vector<double> work(3 * points);
+    for (std::size_t b = 0; b < 3; ++b)
+        for (std::size_t i = 0; i < points; ++i)
+            work[b * points + i] = (*buffers[b])[i * stride + ch];
+    cache.filter->Apply(work);
+    for (std::size_t b = 0; b < 3; ++b)
+        for (std::size_t i = 0; i < points; ++i)
+            // A value beyond 16 bits leaves the sample as it was.
+            if (auto v = ToInt16(work[b * points + i])) (*buffers[b])[i * stride + ch] = *v;
+}
+
+}  // namespace
+
+void DigitalFilter(Session& s, UserDialogs& ui) {
+    DesignCache cache;
+    FilterScreens(s, ui, cache);
+}
+
+void InstallDigitalFilter(Session& s, UserDialogs& ui) {
+    UserDialogs* dialogs = &ui;
+    auto cache = std::make_shared<DesignCache>();
+    s.screenFilter = [dialogs, cache](Session& session) { FilterScreens(session, *dialogs, *cache); };
+}
+
+std::string FilterHelpText() {
+    return "Digital filter: with \"Filter\" checked, every redraw filters the active channel of "
+           "the screen shown, together with the screens before and after it, and the detection "
+           "works on the filtered samples.  The file is never changed.\n"
+           "All eight types are IIR filters of order 8, run forward only (causal), so the "
+           "filtered trace lags the original a little.\n"
+           "Butterworth: the cut-off is the -3 dB point.\n"
+           "Chebychev: 0.5 dB ripple in the pass band, which ends at the cut-off.\n"
+           "Inv Chebychev: flat pass band; the stop band, at least 60 dB down, begins at the "
+           "cut-off, so the -3 dB point lies at about 0.7 (low-pass) or 1.5 (high-pass) times "
+           "the cut-off.\n"
+           "Elliptic: 0.5 dB ripple in the pass band, which ends at the cut-off, and at least "
+           "60 dB attenuation from a fifth of the cut-off beyond it.\n"
+           "The cut-off must lie above 0 and below half the sampling frequency; otherwise the "
+           "trace is shown and analysed unfiltered.";
+}
+
+namespace {
+
+template <typename T>
+std::vector<T> Gaussian(std::span<const T> data, double fc) {
+    std::vector<T> out(data.begin(), data.end());
+    if (!(fc > 0) || data.empty()) return out;
+    // The response exp(-2 pi^2 sigma^2 f^2) is 1/sqrt(2) at f = fc.
+    const double sigma = std::sqrt(std::log(2.0)) / (2 * std::numbers::pi) / fc;
+    std::vector<double> a;
+    std::int64_t nc;
+    if (sigma < 0.62) {
+        // Too narrow to sample the bell: a three-point filter of the same variance.
+        const double w = sigma * sigma / 2;
+        a = {w, 1 - 2 * w, w};
+        nc = 1;
+    } else {
+        nc = std::int64_t(4 * sigma);
+        a.resize(std::size_t(2 * nc + 1));
+        double sum = 0;
+        for (std::int64_t k = -nc; k <= nc; ++k) {
+            const double v = std::exp(-double(k * k) / (2 * sigma * sigma));
+            a[std::size_t(k + nc)] = v;
+            sum += v;
+        }
+        for (double& v : a) v /= sum;
+    }
+    const std::int64_t n = std::int64_t(data.size());
+    for (std::int64_t i = 0; i < n; ++i) {
+        double acc = 0;
+        for (std::int64_t k = -nc; k <= nc; ++k)
+            acc += a[std::size_t(k + nc)] *
+                   double(data[std::size_t(std::clamp<std::int64_t>(i + k, 0, n - 1))]);
+        out[std::size_t(i)] = T(acc);
+    }
+    return out;
+}
+
+}  // namespace
+
+std::vector<double> GaussianFilter(std::span<const double> data, double cutoffFraction) {
+    return Gaussian(data, cutoffFraction);
+}
+
+std::vector<float> GaussianFilter(std::span<const float> data, double cutoffFraction) {
+    return Gaussian(data, cutoffFraction);
+}
+
+}  // namespace ardel
