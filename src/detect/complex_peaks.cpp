@@ -123,7 +123,7 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         const double riseLevel = 0.05 * D * (V - T);
         for (; r2 >= q; --r2) {
             const double x = c.Sample(r2);
-            area = ToInt32(area + (x - base)).value_or(area);
+            AddToArea(area, x - base);
             if (D * (x - T) <= riseLevel) break;
         }
         std::int32_t e2 = P + 1;
@@ -131,7 +131,7 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         const double decayLevel = std::abs(double(prm.DecayPercent) * amp);
         for (; e2 <= decayTo; ++e2) {
             const double x = c.Sample(e2);
-            area = ToInt32(area + (x - base)).value_or(area);
+            AddToArea(area, x - base);
             if (std::abs(x - base) <= decayLevel) break;
         }
         const auto areaUOpt = rec.TryBit2pA2(area);

@@ -27,18 +27,6 @@ int Direction(const DetectionParameters& p) {
     return p.PeakDirection >= 0 ? 1 : -1;
 }
 
-// The area sums were 32-bit integers rounded at every step; an overflowing step is skipped.
-void AddToArea(std::int32_t& area, double d) {
-    if (auto v = ToInt32(double(area) + d)) area = *v;
-}
-
-// Area in amplitude units times milliseconds; nullopt where the conversion fails (zero gain).
-std::optional<float> AreaUnits(const Recording& rec, std::int32_t area) {
-    const auto u = rec.TryBit2pA2(area);
-    if (!u) return std::nullopt;
-    return float(std::abs(double(*u)) * double(rec.SampleInterval) / 1000.0);
-}
-
 std::optional<std::uint8_t> CursorHit(const Session& s, const CursorState& c, double x, double y) {
     // The grip is 1/80 of the picture on each side of the line, plus one unit.
     const double mx = 1.0 + double(s.recording.BlocksPerScreen) * 256.0 / 80.0;
@@ -237,24 +225,11 @@ bool ManualDetection(Session& s, UserDialogs& ui, double x, bool tenthOfThreshol
         if (auto n16 = ToInt16(double(c.Sample(*m)) - b)) noise = *n16;
 
     // The same walks as the scan, so that a click measures a peak as the scan does.
-    std::int32_t area = 0;
-    std::int32_t r = p;
-    for (; r >= p - lead; --r) {
-        const std::int32_t xr = c.Sample(r);
-        const std::int64_t sum = std::int64_t(area) + (xr - b);
-        if (sum >= INT32_MIN && sum <= INT32_MAX) area = std::int32_t(sum);
-        if (D * (xr - b) <= 0.01 * amp) break;
-    }
-    std::int32_t e = p + 1;
-    double xe = 0;
-    const double decayLevel = double(prm.DecayPercent) * amp;
-    for (; e <= p + decayPts; ++e) {
-        const double xm = c.Sample(e - 1) / 3.0 + c.Sample(e + 1) / 3.0 + c.Sample(e) / 3.0;
-        xe = xm;
-        AddToArea(area, xm - b);
-        if (D * (xm - b) <= decayLevel) break;
-    }
-    const float areaU = AreaUnits(rec, area).value_or(0.0f);
+    const RiseDecayWalk walk = WalkRiseAndDecay(c, p, b, amp);
+    const std::int32_t r = walk.riseStart;
+    const std::int32_t e = walk.decayEnd;
+    const double xe = walk.decayValue;
+    const float areaU = AreaUnits(rec, walk.area).value_or(0.0f);
     if (areaU < thresholdArea) return false;
 
     const float rise1090 = Detect1090Rise(c, p, v, r, b);

@@ -111,6 +111,40 @@ Peak ScanExtreme(const Recording& rec, int D, std::int32_t first, std::int32_t l
     return best;
 }
 
+void AddToArea(std::int32_t& area, double d) {
+    if (auto v = ToInt32(double(area) + d)) area = *v;
+}
+
+std::optional<float> AreaUnits(const Recording& rec, std::int32_t area) {
+    const auto u = rec.TryBit2pA2(area);
+    if (!u) return std::nullopt;
+    return float(std::abs(double(*u)) * double(rec.SampleInterval) / 1000.0);
+}
+
+RiseDecayWalk WalkRiseAndDecay(const DetectContext& c, std::int32_t p, double b, std::int32_t amp) {
+    const int D = c.D;
+    RiseDecayWalk w;
+    // Rise start: raw samples back to within 1% of the amplitude.
+    std::int32_t r = p;
+    for (; r >= p - c.counts.LeadPoints; --r) {
+        const double x = c.Sample(r);
+        AddToArea(w.area, x - b);
+        if (D * (x - b) <= 0.01 * amp) break;
+    }
+    w.riseStart = r;
+    // Decay end: three-point smoothed samples down to the fraction.
+    std::int32_t e = p + 1;
+    const double decayLevel = double(c.params.DecayPercent) * amp;
+    for (; e <= p + c.counts.DecayPoints; ++e) {
+        const double x = c.Sample(e - 1) / 3.0 + c.Sample(e + 1) / 3.0 + c.Sample(e) / 3.0;
+        w.decayValue = x;
+        AddToArea(w.area, x - b);
+        if (D * (x - b) <= decayLevel) break;
+    }
+    w.decayEnd = e;
+    return w;
+}
+
 std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
                           std::int32_t n) {
     const std::int32_t a = p - lead;
@@ -143,7 +177,7 @@ std::int32_t FindArea(const DetectContext& c, std::int32_t first, std::int32_t l
                       double baseline) {
     std::int32_t area = 0;
     for (std::int32_t k = first; k <= last; ++k)
-        area = ToInt32(area + (c.Sample(k) - baseline)).value_or(area);
+        AddToArea(area, c.Sample(k) - baseline);
     return area;
 }
 
@@ -285,13 +319,13 @@ std::int32_t DetectPrepeak(const DetectContext& c, std::int32_t p) {
     std::int32_t area = 0;
     for (std::int32_t k = q; k >= q - lead; --k) {
         const double x = c.Sample(k);
-        area = ToInt32(area + (x - b2)).value_or(area);
+        AddToArea(area, x - b2);
         if (D * (x - b2) <= 0.05 * double(*a2u)) break;
     }
     const double decayLimit = std::abs(a2 * double(c.params.DecayPercent));
     for (std::int32_t k = q + 1; k <= q + c.counts.DecayPoints; ++k) {
         const double x = c.Sample(k);
-        area = ToInt32(area + (x - b2)).value_or(area);
+        AddToArea(area, x - b2);
         if (std::abs(x - b2) <= decayLimit) break;
     }
     const auto areaU = rec.TryBit2pA2(area);
@@ -331,7 +365,6 @@ void Command1(Session& s, UserDialogs& ui) {
     const std::int32_t avg = counts->AveragePoints;
     const std::int32_t decayPts = counts->DecayPoints;
     const std::int32_t N = rec.ScreenPoints();
-    const double si = rec.SampleInterval;
 
     // Working values that outlive one candidate: a statement that fails (an overflow, a
     // division by zero) leaves them as the previous candidate had them.
@@ -389,29 +422,11 @@ void Command1(Session& s, UserDialogs& ui) {
                 if (auto m = ToInt32((p - lead) + avg / 2.0))
                     if (auto n16 = ToInt16(double(c.Sample(*m)) - b)) noise = *n16;
 
-                // Rise start: raw samples back to within 1% of the amplitude.
-                std::int32_t area = 0;
-                std::int32_t r = p;
-                for (; r >= p - lead; --r) {
-                    const std::int32_t x = c.Sample(r);
-                    // Whole numbers here: the rounding is exact, only the overflow can fail.
-                    const std::int64_t sum = std::int64_t(area) + (x - b);
-                    if (sum >= INT32_MIN && sum <= INT32_MAX) area = std::int32_t(sum);
-                    if (D * (x - b) <= 0.01 * amp) break;
-                }
-                // Decay end: three-point smoothed samples down to the fraction.
-                std::int32_t e = p + 1;
-                double xe = 0;
-                const double decayLevel = double(prm.DecayPercent) * amp;
-                for (; e <= p + decayPts; ++e) {
-                    const double x = c.Sample(e - 1) / 3.0 + c.Sample(e + 1) / 3.0 +
-                                     c.Sample(e) / 3.0;
-                    xe = x;
-                    area = ToInt32(area + (x - b)).value_or(area);
-                    if (D * (x - b) <= decayLevel) break;
-                }
-
-                if (auto u = rec.TryBit2pA2(area)) areaU = float(std::abs(double(*u)) * si / 1000.0);
+                const RiseDecayWalk walk = WalkRiseAndDecay(c, p, b, amp);
+                const std::int32_t r = walk.riseStart;
+                const std::int32_t e = walk.decayEnd;
+                const double xe = walk.decayValue;
+                if (auto u = AreaUnits(rec, walk.area)) areaU = *u;
                 if (areaU < prm.AreaThreshold) break;
 
                 // One re-centring on the window around the peak, then the measurement again.

@@ -42,6 +42,22 @@ struct Peak {
 Peak ScanExtreme(const Recording& rec, int D, std::int32_t first, std::int32_t last, Peak best);
 std::int64_t SumSamples(const Recording& rec, std::int32_t first, std::int32_t last);
 
+// area := area + d, rounded; an overflow leaves the area as it was.
+void AddToArea(std::int32_t& area, double d);
+// |Bit2pA2(area)| x SampleInterval / 1000, amplitude unit x ms; nullopt for a zero gain.
+std::optional<float> AreaUnits(const Recording& rec, std::int32_t area);
+
+// The scan's rise and decay walks from a peak at p with baseline b and amplitude amp (bits):
+// back over raw samples to within 1% of the amplitude, forward over three-point means down to
+// DecayPercent, the area summed over both. A walk that does not stop ends one past its limit.
+struct RiseDecayWalk {
+    std::int32_t riseStart = 0;
+    std::int32_t decayEnd = 0;
+    double decayValue = 0;  // the three-point mean at decayEnd
+    std::int32_t area = 0;
+};
+RiseDecayWalk WalkRiseAndDecay(const DetectContext& c, std::int32_t p, double b, std::int32_t amp);
+
 std::int16_t FindBaseline(const DetectContext& c, std::int32_t p, std::int32_t lead,
                           std::int32_t n);
 Peak FindMax(const DetectContext& c, std::int32_t start, std::int32_t length, std::int32_t half);
