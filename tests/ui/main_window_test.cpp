@@ -29,6 +29,7 @@
 #include "core/event_commands.h"
 #include "core/open_file.h"
 #include "core/settings.h"
+#include "detect/digital_filter.h"
 #include "detect/window_analysis.h"
 #include "support/scripted_dialogs.h"
 #include "support/synthetic.h"
@@ -226,6 +227,39 @@ TEST_F(MainWindowTest, F9AddsTheEventsTheEngineFindsAndTheGridShowsThem) {
     const Session ref2 = Reference(2);
     EXPECT_EQ(S().events.EventCount(), ref2.events.EventCount());
     EXPECT_EQ(model->rowCount(), ref2.events.EventCount());
+}
+
+TEST_F(MainWindowTest, TheFilterBoxFiltersWhatF9AndF11AnalyseAsTheCommandLineDoes) {
+    window_->OpenFileAsClick(recording_);
+    Find<QComboBox>("Combo4")->setCurrentIndex(0);  // LoPass Butterworth
+    Find<QComboBox>("Combo5")->setCurrentText("300");
+    Find<QCheckBox>("Check1")->click();  // redraws the screen filtered
+    Press(Picture(), Qt::Key_F9);
+    Press(Picture(), Qt::Key_F11);
+
+    // The command line's route for detect --filter: the same options, the filter installed
+    // before the file is opened, then F9 and F11.
+    Session ref;
+    SilentDialogs quiet;
+    ref.options.FilterOn = true;
+    ref.options.FilterType = 0;
+    ref.options.FilterFreq = "300";
+    InstallDigitalFilter(ref, quiet);
+    ASSERT_TRUE(OpenDataFile(ref, quiet, recording_));
+    Command1(ref, quiet);
+    Command3(ref, quiet);
+
+    Session unfiltered;
+    ASSERT_TRUE(OpenDataFile(unfiltered, quiet, recording_));
+    Command1(unfiltered, quiet);
+    Command3(unfiltered, quiet);
+
+    ASSERT_GT(ref.events.EventCount(), 0);
+    ASSERT_EQ(S().events.EventCount(), ref.events.EventCount());
+    for (std::int32_t n = 1; n <= ref.events.EventCount(); ++n)
+        EXPECT_EQ(S().events[n], ref.events[n]) << n;
+    // A 300 Hz low-pass at 10 kHz flattens the peaks: the filter really was applied.
+    EXPECT_NE(ref.events[1].Amplitude, unfiltered.events[1].Amplitude);
 }
 
 TEST_F(MainWindowTest, ParametersAreTakenFromTheControlsWithValSemantics) {
