@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/event_files.h"
 #include "core/number_text.h"
 
 namespace ardel {
@@ -36,6 +37,17 @@ void SelectEventFromGrid(Session& s, double row) {
     s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
     Display(s);
     PlotSelected(s);
+}
+
+bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui) {
+    if (s.events.EventCount() == 0 || s.events.EventsSaved) return true;
+    const Answer a = ui.Ask("Save Previous Event Data",
+                            "There are " + CStr(s.events.EventCount()) + " events analysed for " +
+                                s.Label11 + ".  Do you want to save the event data?",
+                            Buttons::YesNoCancel);
+    if (a == Answer::No) return true;
+    if (a == Answer::Yes) return menu_SaveEvent(s, ui);
+    return false;
 }
 
 void PlotSelected(Session& s) {

@@ -18,6 +18,11 @@ void SelectEventFromGrid(Session& s, double row);
 // the baseline window's start.
 double ScreenBlockForEvent(const Session& s, std::int32_t n);
 
+// Before the program closes: events that are not saved are offered for saving, as opening
+// another file does. Returns false when the program should stay open (Cancel, or a save that
+// did not happen), so that no analysis is lost by closing the window.
+bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui);
+
 // Marks CurrentEvent on the trace (the blinking mark of the window).
 void PlotSelected(Session& s);
 

@@ -1174,6 +1174,12 @@ void Ardelvantine::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    bool leave = true;
+    Run("Exit", kPlain, [this, &leave] { leave = QueryUnsavedEventsOnExit(session_, *ui_); });
+    if (!leave) {
+        event->ignore();
+        return;
+    }
     timer1_->stop();
     timer2_->stop();
     if (datInfo_) datInfo_->close();

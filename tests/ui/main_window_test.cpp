@@ -603,7 +603,9 @@ TEST_F(MainWindowTest, ScreenshotOfTheWindowShowsTheTraceAndTheMarks) {
 TEST(MainWindowRun, InterruptStopsANonStopRunWithinOneScreen) {
     TempDir dir;
     const fs::path file = MakeRecording(dir / "cell1.abf");
-    Ardelvantine w(dir.path());
+    ScriptedDialogs dialogs;  // yields to the event loop as the real dialogs do
+    dialogs.onYield = [] { QCoreApplication::processEvents(); };
+    Ardelvantine w(dir.path(), &dialogs);
     w.show();
     w.OpenFileAsClick(file);
     QWidget* picture = w.findChild<QWidget*>("Picture1");
@@ -623,13 +625,26 @@ TEST(MainWindowRun, InterruptStopsANonStopRunWithinOneScreen) {
     Command2(ref, quiet);
     EXPECT_EQ(w.session().events.EventCount(), ref.events.EventCount());
 
+    // Unsaved events are offered for saving on close; Cancel keeps the window and the events.
+    const std::int32_t found = w.session().events.EventCount();
+    ASSERT_GT(found, 0);
+    dialogs.ExpectAsk("Save Previous Event Data",
+                      "There are " + std::to_string(found) +
+                          " events analysed for cell1.abf.  Do you want to save the event data?",
+                      Answer::Cancel);
+    EXPECT_FALSE(w.close());
+    EXPECT_TRUE(w.isVisible());
+    EXPECT_EQ(w.session().events.EventCount(), found);
+
     // Closing the window during a run stops the run first and closes once it has ended.
+    dialogs.ExpectAsk("Save Previous Event Data", std::nullopt, Answer::No);
     Press(picture, Qt::Key_A);
     QTimer::singleShot(0, &w, [&w] { w.close(); });
     Press(picture, Qt::Key_F11);
     EXPECT_EQ(w.session().recording.ScreenBlock, first + 4);
     QApplication::processEvents();
     EXPECT_FALSE(w.isVisible());
+    EXPECT_TRUE(dialogs.Done());
 }
 
 }  // namespace
