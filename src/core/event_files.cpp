@@ -178,7 +178,18 @@ void ApplyEventFile(Session& s, UserDialogs& ui, EventFileContents&& c) {
     }
     const std::int32_t n = std::int32_t(c.records.size());
     s.events.Resize(n);
-    for (std::int32_t i = 1; i <= n; ++i) s.events[i] = c.records[std::size_t(i - 1)];
+    const bool converting = c.layout != EventFileLayout::Current;
+    std::int32_t shownPercent = -1;
+    for (std::int32_t i = 1; i <= n; ++i) {
+        s.events[i] = c.records[std::size_t(i - 1)];
+        if (!converting || !s.onLabel4) continue;
+        // The label takes i * 50 / N; only whole steps and the last row are shown.
+        const double progress = double(i) * 50.0 / double(n);
+        if (std::int32_t(progress) != shownPercent || i == n) {
+            shownPercent = std::int32_t(progress);
+            s.onLabel4(s, CStr(progress));
+        }
+    }
     c.records.clear();
     c.records.shrink_to_fit();
     TakeNumberPointsPeak(s);

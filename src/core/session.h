@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/event_table.h"
@@ -58,7 +59,7 @@ struct Session {
     DisplayState display;
     DataArray dataArray1, dataArray2;
     std::vector<float> HistogramData;
-    std::string Label11;  // the open file's name as the main window shows it
+    std::string Label11;      // the open file's name as the main window shows it
     std::string FileComment;  // the 56-character comment that event files carry
     // The folder the file list shows; file dialogs start there.
     std::filesystem::path CurrentFolder;
@@ -68,6 +69,9 @@ struct Session {
     std::function<void(Session&)> onDisplay;
     // Applied to the freshly loaded screen buffers when the filter box is checked.
     std::function<void(Session&)> screenFilter;
+    // The pointer readout's label doubles as a progress text while old event files are
+    // converted.
+    std::function<void(Session&, std::string_view)> onLabel4;
 };
 
 // Loads the screen buffers for ScreenBlock, filters them when asked, drops the transient

@@ -193,6 +193,9 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
     BuildMenus();
 
     session_.onDisplay = [this](Session&) { OnDisplay(); };
+    session_.onLabel4 = [this](Session&, std::string_view text) {
+        label4_->setText(QString::fromUtf8(text.data(), qsizetype(text.size())));
+    };
     // Display filters the freshly loaded screens whenever the filter box is checked.
     InstallDigitalFilter(session_, *ui_);
     picture_->SetCursors(&cursors_);
@@ -206,6 +209,7 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
 Ardelvantine::~Ardelvantine() {
     qApp->removeEventFilter(this);
     session_.onDisplay = nullptr;
+    session_.onLabel4 = nullptr;
 }
 
 QAction* Ardelvantine::AddAction(QMenu* menu, const char* name, const QString& caption,
@@ -242,10 +246,8 @@ void Ardelvantine::BuildUi() {
     grid_->setContextMenuPolicy(Qt::CustomContextMenu);
     menuEvents_ = new QMenu(this);
     menuEvents_->setObjectName("menu_events");
-    connect(grid_, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
-        // The list operations fill this menu; while it is empty a right click shows nothing.
-        if (!menuEvents_->isEmpty()) menuEvents_->popup(grid_->viewport()->mapToGlobal(pos));
-    });
+    connect(grid_, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& pos) { menuEvents_->popup(grid_->viewport()->mapToGlobal(pos)); });
     connect(grid_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current, const QModelIndex&) {
                 // Mouse clicks are taken on release, so that a click on the current row acts
@@ -611,8 +613,11 @@ void Ardelvantine::BuildMenus() {
     menuEventEdit_->setObjectName("menu_EventEdit");
     AddAction(menuEventEdit_, "menu_RejectThisEvent", kEventEditMenuCaptions[0],
               [this] { menu_RejectThisEvent_Click(); });
-    AddAction(menuEventEdit_, "menu_DeletEvent", kEventEditMenuCaptions[1],
-              [this] { menu_DeletEvent_Click(); });
+    QAction* deleteThis = AddAction(menuEventEdit_, "menu_DeletEvent", kEventEditMenuCaptions[1],
+                                    [this] { menu_DeletEvent_Click(); });
+    // The grid's popup deletes the selected event through the same action; the other list
+    // operations join it with grouping.
+    menuEvents_->addAction(deleteThis);
     AddAction(menuEventEdit_, "menu_RecalculatePeak", kEventEditMenuCaptions[2],
               [this] { menu_RecalculatePeak_Click(); });
     AddAction(menuEventEdit_, "menu_DoublePeak", kEventEditMenuCaptions[3],

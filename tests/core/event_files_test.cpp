@@ -469,7 +469,10 @@ TEST_F(EventFileTest, OlderVersionIsLoadedThenConvertedOnYes) {
                    Answer::Yes)
         .ExpectSaveFile(evt)
         .ExpectAsk("Replace File", kReplaceText, Answer::Yes);
+    std::vector<std::string> label4;
+    s.onLabel4 = [&label4](Session&, std::string_view text) { label4.emplace_back(text); };
     menu_OpenEvent(s, ui);
+    EXPECT_EQ(label4, (std::vector<std::string>{"25", "50"}));  // i * 50 / N while converting
     ASSERT_EQ(s.events.EventCount(), 2);
     EXPECT_EQ(s.events[2].Amplitude, -50);
     EXPECT_EQ(s.events[2].BaselineLead, 4000);
@@ -486,7 +489,9 @@ TEST_F(EventFileTest, OlderVersionIsLoadedThenConvertedOnYes) {
     bytes.resize(2048 + 2 * 64);
     WriteAll(evt, bytes);
     ScriptedDialogs quiet;
+    label4.clear();
     ASSERT_TRUE(OpenEventFile(s, quiet, evt));
+    EXPECT_TRUE(label4.empty());
     EXPECT_EQ(s.events.EventCount(), 4);
     EXPECT_EQ(s.events[4], EventRecord{});
     EXPECT_FALSE(OpenEventFile(s, quiet, dir / "missing.EVT"));

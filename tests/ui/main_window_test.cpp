@@ -356,6 +356,17 @@ TEST_F(MainWindowTest, AClickInTheGridSelectsTheEventAndMovesTheScreen) {
     grid->selectionModel()->select(grid->model()->index(0, 0),
                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
     EXPECT_EQ(window_->HighlightedEvents(), (std::vector<std::int32_t>{2, 4, 1}));
+
+    // The grid's popup deletes the selected event.
+    const std::int32_t before = S().events.EventCount();
+    const float third = S().events[3].Time;
+    auto* popup = Find<QMenu>("menu_events");
+    ASSERT_FALSE(popup->actions().isEmpty());
+    QAction* del = popup->actions().front();
+    EXPECT_EQ(del->objectName(), "menu_DeletEvent");
+    del->trigger();
+    EXPECT_EQ(S().events.EventCount(), before - 1);
+    EXPECT_EQ(S().events[2].Time, third);
 }
 
 TEST_F(MainWindowTest, MouseOnTheTraceDetectsSelectsAndEditsEvents) {
