@@ -50,6 +50,28 @@ bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui) {
     return false;
 }
 
+bool ClampSelectedEvent(Session& s) {
+    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return false;
+    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
+    return true;
+}
+
+void ScanEachEvent(Session& s, UserDialogs& ui, void (*command)(Session&, UserDialogs&)) {
+    if (!ClampSelectedEvent(s)) return;
+    s.display.NonStopRunning = true;
+    const std::int32_t count = s.events.EventCount();
+    for (std::int32_t n = 1; n <= count && s.display.NonStopRunning; ++n) {
+        s.events.CurrentEvent = n;
+        s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
+        Display(s);
+        command(s, ui);
+        s.events.CurrentEvent = s.events.CurrentEvent + 1;
+        ui.Yield();
+    }
+    UpdateTDBGrid(s.events);
+    s.display.NonStopRunning = false;
+}
+
 void PlotSelected(Session& s) {
     const std::int32_t n = s.events.CurrentEvent;
     if (!s.recording.FileIsOpen || n < 1 || n > s.events.EventCount()) return;

@@ -23,6 +23,15 @@ double ScreenBlockForEvent(const Session& s, std::int32_t n);
 // did not happen), so that no analysis is lost by closing the window.
 bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui);
 
+// Commands on the selected event need an open recording and at least one event. Clamps
+// CurrentEvent into the table and tells whether the command can go on.
+bool ClampSelectedEvent(Session& s);
+
+// The scans over the table: events 1 to the count at the start, each shown on its screen and
+// then given to `command` as the selected event, until the end or until NonStopRunning is
+// cleared (the interrupt). Events the command appends are not visited.
+void ScanEachEvent(Session& s, UserDialogs& ui, void (*command)(Session&, UserDialogs&));
+
 // Marks CurrentEvent on the trace (the blinking mark of the window).
 void PlotSelected(Session& s);
 

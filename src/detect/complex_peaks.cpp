@@ -12,7 +12,9 @@ namespace ardel {
 
 namespace {
 
-std::int32_t Index(double v) { return ToInt32Clamped(RoundHalfEven(v)); }
+std::int32_t Index(double v) {
+    return ToInt32Clamped(RoundHalfEven(v));
+}
 
 }  // namespace
 
@@ -190,29 +192,14 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
 }
 
 void menu_DoublePeak_Click(Session& s, UserDialogs& ui) {
-    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return;
-    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
+    if (!ClampSelectedEvent(s)) return;
     DetectMultiPeak(s, ui, s.events.CurrentEvent, true);
     UpdateTDBGrid(s.events);
     s.events.GridCurrentRow = s.events.EventCount();
 }
 
 void menu_ScanDoublePeak(Session& s, UserDialogs& ui) {
-    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return;
-    s.display.NonStopRunning = true;
-    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
-    // Events appended during the scan are not visited.
-    const std::int32_t count = s.events.EventCount();
-    for (std::int32_t n = 1; n <= count && s.display.NonStopRunning; ++n) {
-        s.events.CurrentEvent = n;
-        s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
-        Display(s);
-        menu_DoublePeak_Click(s, ui);
-        s.events.CurrentEvent = s.events.CurrentEvent + 1;
-        ui.Yield();
-    }
-    UpdateTDBGrid(s.events);
-    s.display.NonStopRunning = false;
+    ScanEachEvent(s, ui, menu_DoublePeak_Click);
 }
 
 }  // namespace ardel

@@ -279,10 +279,9 @@ void menu_RejectThisEvent(Session& s, UserDialogs&) {
 }
 
 void menu_DeletEvent(Session& s, UserDialogs&) {
+    if (!ClampSelectedEvent(s)) return;
     EventTable& t = s.events;
-    if (!s.recording.FileIsOpen || t.EventCount() == 0) return;
     const std::int32_t count = t.EventCount();
-    t.CurrentEvent = std::clamp(t.CurrentEvent, 1, count);
     for (std::int32_t k = t.CurrentEvent; k < count; ++k) t[k] = t[k + 1];
     // The array is cut to the new count: a record added later starts from an empty slot.
     t[count] = EventRecord{};
@@ -292,10 +291,9 @@ void menu_DeletEvent(Session& s, UserDialogs&) {
 }
 
 void menu_RecalculatePeak(Session& s, UserDialogs& ui) {
+    if (!ClampSelectedEvent(s)) return;
     Recording& rec = s.recording;
     EventTable& t = s.events;
-    if (!rec.FileIsOpen || t.EventCount() == 0) return;
-    t.CurrentEvent = std::clamp(t.CurrentEvent, 1, t.EventCount());
     const DetectionParameters& prm = s.params;
     const auto counts = ComputePointCounts(rec, prm);
     if (!counts) return;
@@ -372,10 +370,9 @@ void menu_RecalculatePeak(Session& s, UserDialogs& ui) {
 }
 
 void menu_BaselineThreshold(Session& s, UserDialogs& ui) {
+    if (!ClampSelectedEvent(s)) return;
     Recording& rec = s.recording;
     EventTable& t = s.events;
-    if (!rec.FileIsOpen || t.EventCount() == 0) return;
-    t.CurrentEvent = std::clamp(t.CurrentEvent, 1, t.EventCount());
     const DetectionParameters& prm = s.params;
     const auto counts = ComputePointCounts(rec, prm);
     if (!counts) return;
@@ -501,20 +498,7 @@ void menu_BaselineThreshold(Session& s, UserDialogs& ui) {
 }
 
 void menu_ScanAdjustBaseline(Session& s, UserDialogs& ui) {
-    if (!s.recording.FileIsOpen || s.events.EventCount() == 0) return;
-    s.display.NonStopRunning = true;
-    s.events.CurrentEvent = std::clamp(s.events.CurrentEvent, 1, s.events.EventCount());
-    const std::int32_t count = s.events.EventCount();
-    for (std::int32_t n = 1; n <= count && s.display.NonStopRunning; ++n) {
-        s.events.CurrentEvent = n;
-        s.recording.ScreenBlock = ScreenBlockForEvent(s, n);
-        Display(s);
-        menu_BaselineThreshold(s, ui);
-        s.events.CurrentEvent = s.events.CurrentEvent + 1;
-        ui.Yield();
-    }
-    UpdateTDBGrid(s.events);
-    s.display.NonStopRunning = false;
+    ScanEachEvent(s, ui, menu_BaselineThreshold);
 }
 
 }  // namespace ardel
