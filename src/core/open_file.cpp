@@ -61,8 +61,7 @@ void CollectLayoutWarnings(Recording& r, const std::string& name) {
             r.warnings.push_back(name + ": the header gives a negative sample count (" +
                                  std::to_string(h.lActualAcqLength) + ").");
         } else if (std::int64_t(h.lActualAcqLength) > held) {
-            r.warnings.push_back(name + ": the header gives " +
-                                 std::to_string(h.lActualAcqLength) +
+            r.warnings.push_back(name + ": the header gives " + std::to_string(h.lActualAcqLength) +
                                  " samples but the file holds only " + std::to_string(held) +
                                  " (truncated file?); the missing samples read as zeros.");
         }
@@ -120,9 +119,8 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
     if (s.events.EventCount() > 0) {
         if (!s.events.EventsSaved) {
             Answer a = ui.Ask("Save Previous Event Data",
-                              "There are " + CStr(s.events.EventCount()) +
-                                  " events analysed for " + s.Label11 +
-                                  ".  Do you want to save the event data?",
+                              "There are " + CStr(s.events.EventCount()) + " events analysed for " +
+                                  s.Label11 + ".  Do you want to save the event data?",
                               Buttons::YesNoCancel);
             if (a == Answer::Cancel || a == Answer::None) return r.FileIsOpen;
             if (a == Answer::Yes) menu_SaveEvent(s, ui);
@@ -215,9 +213,8 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
     // and a channel beyond it must not reach them.
     const int seq = header.nADCSamplingSeq[channelIndex];
     if (seq < 0 || seq >= kAbfMaxChannels) {
-        ui.Message(kInconsistentTitle, "The header of " + name + " gives ADC number " +
-                                           CStr(seq) + " for channel " +
-                                           CStr(int(channelIndex)) +
+        ui.Message(kInconsistentTitle, "The header of " + name + " gives ADC number " + CStr(seq) +
+                                           " for channel " + CStr(int(channelIndex)) +
                                            ".  The file cannot be opened.");
         r.FileIsOpen = false;
         return false;
@@ -258,7 +255,9 @@ std::string Clock(std::int32_t seconds) {
 
 }  // namespace
 
-std::string DatInfoTitle(const Session& s) { return "DAT File Info:  " + s.Label11; }
+std::string DatInfoTitle(const Session& s) {
+    return "DAT File Info:  " + s.Label11;
+}
 
 std::vector<std::pair<std::string, std::string>> DatInfoRows(const Session& s) {
     std::vector<std::pair<std::string, std::string>> rows;
@@ -351,8 +350,16 @@ void menu_ExtractSynchArray(Session& s, UserDialogs& ui, SynchTarget target) {
 
     if (target != SynchTarget::EventTable) {
         DataArray& arr = target == SynchTarget::DataArray1 ? s.dataArray1 : s.dataArray2;
-        arr.Redim(count);
-        for (std::int32_t i = 0; i < count; ++i) {
+        // A damaged header can claim up to 2^31 pairs; rows past the file's end would only be
+        // zeros, and that many would exhaust the memory, so the array ends with the file.
+        const std::int64_t synchStart =
+            std::int64_t(h.lSynchArrayPtr) * std::int64_t(kAbfBlockSize);
+        const std::int64_t size = std::int64_t(r.source->Size());
+        const std::int64_t held =
+            synchStart < 0 || synchStart >= size ? 0 : (size - synchStart) / 8;
+        const std::int32_t rows = std::int32_t(std::min<std::int64_t>(count, held));
+        arr.Redim(rows);
+        for (std::int32_t i = 0; i < rows; ++i) {
             double v = intervals ? 0.001 * tick * (double(start(i + 1)) - double(start(i)))
                                  : 0.001 * tick * double(start(i));
             arr(i + 1) = float(v);
@@ -385,8 +392,7 @@ void AttachRecordingFile(Recording& r, std::shared_ptr<const SampleSource> sourc
     r.source = std::move(source);
     const int channels = std::clamp<int>(header.nADCNumChannels, 1, kAbfMaxChannels);
     r.LastChannelIndex = std::uint8_t(channels - 1);
-    r.SampleInterval =
-        float(double(header.nADCNumChannels) * double(header.fADCSampleInterval));
+    r.SampleInterval = float(double(header.nADCNumChannels) * double(header.fADCSampleInterval));
     r.DimensionBuffers();
     CollectLayoutWarnings(r, name);
     ReadTags(r, name);

@@ -38,13 +38,20 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
     const auto p0opt = rec.CalculateTimeBit(parent.Time);
     if (!p0opt) return false;
     const std::int32_t p0 = *p0opt;
+    // A parent so far off the screen that no point of the search comes near the buffers reads
+    // zeros throughout and finds nothing; stop before its indices leave the 32-bit range.
+    constexpr std::int64_t kReach = std::int64_t(1) << 28;
+    const std::int64_t screen = rec.ScreenPoints();
+    if (p0 > 2 * screen + kReach || p0 < -screen - kReach) return false;
     const std::int32_t h = std::int32_t(Int(prm.NumberPointsPeak / 2.0));
     const double A = parent.Amplitude;
     const double B = parent.Baseline;
     const std::int32_t npp = prm.NumberPointsPeak;
 
-    // Working values that a failing statement leaves as they stood.
+    // Working values that a failing statement leaves as they stood. An average that cannot be
+    // taken (outside the buffers) leaves the last one taken, which is still compared.
     double tau = 0;
+    double a = 0;
     float slope1090 = 0;
     std::int16_t rise50 = 0;
 
@@ -66,18 +73,18 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         std::int32_t P = q;
         const std::int32_t peakTo = Index(q + leadD);
         for (std::int32_t k = q; k <= peakTo; ++k) {
-            auto a = rec.GetAverageValue(k, h, npp);
-            if (a && D * double(*a) > D * V) {
-                V = *a;
+            if (auto x = rec.GetAverageValue(k, h, npp)) a = *x;
+            if (D * a > D * V) {
+                V = a;
                 P = k;
             }
         }
         const std::int32_t refFrom = Index(P - maxD / 8 + 1);
         const std::int32_t refTo = Index(P + maxD / 8);
         for (std::int32_t k = refFrom; k <= refTo; ++k) {
-            auto a = rec.GetAverageValue(k, h, npp);
-            if (a && D * double(*a) > D * V) {
-                V = *a;
+            if (auto x = rec.GetAverageValue(k, h, npp)) a = *x;
+            if (D * a > D * V) {
+                V = a;
                 P = k;
             }
         }

@@ -23,8 +23,9 @@ std::int32_t Index(double v) {
     return ToInt32Clamped(RoundHalfEven(v));
 }
 
+// As in the scan: any direction other than +1 looks for downward peaks.
 int Direction(const DetectionParameters& p) {
-    return p.PeakDirection >= 0 ? 1 : -1;
+    return p.PeakDirection == 1 ? 1 : -1;
 }
 
 std::optional<std::uint8_t> CursorHit(const Session& s, const CursorState& c, double x, double y) {
@@ -483,7 +484,9 @@ void menu_BaselineThreshold(Session& s, UserDialogs& ui) {
     if (auto v16 = ToInt16(B)) ev.Baseline = *v16;
     ev.Area = areaU;
     ev.Channel = rec.ChannelIndex;
-    ev.BaselineLead = std::int16_t(std::min<std::int32_t>(lead, 32767));
+    // Only a click limits the lead to 16 bits; here, as in the scan, a lead too long for the
+    // field leaves it as it was.
+    if (auto v16 = ToInt16(lead)) ev.BaselineLead = *v16;
     ev.Rise1090 = rise1090;
     ev.Slope1090 = slope1090;
     ev.HalfWidth = halfWidth;

@@ -296,6 +296,11 @@ TEST(CliEventFiles, ParameterFileAndDesktopBatch) {
     r = Cli(dir, {"detect", file.string(), "--par", file.string()});
     EXPECT_EQ(r.code, 2);
     EXPECT_THAT(r.err, HasSubstr("Not a Parameter File"));
+    // A parameter file that is not there is an error, not a run with the settings file's values.
+    r = Cli(dir, {"detect", file.string(), "--par", (dir / "missing.PAR").string(), "--no-evt"});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("missing.PAR"));
+    EXPECT_THAT(r.err, ::testing::Not(HasSubstr("events,")));
 
     // The desktop batch on a one-channel file writes the same event file as the plain run.
     const std::string plain = ReadAll(dir / "cell.EVT");

@@ -567,6 +567,28 @@ TEST_F(SynchArrayTest, IntervalsOnYesWithTheSampleIntervalAsTickWhenNoUnitIsGive
     // Row 4 reads the pair behind the last one; what lies there is not part of the array.
 }
 
+TEST_F(SynchArrayTest, ACountBeyondTheFileEndsTheArrayWithTheFile) {
+    AbfBuildSpec spec;
+    AbfFileBuilder b(spec, {Ramp(4096)});
+    b.header.nOperationMode = 2;
+    b.header.fSynchTimeUnit = 10;
+    b.AddSynchArray({{100, 50}, {300, 50}});
+    b.header.lSynchArraySize = std::numeric_limits<std::int32_t>::max();
+    ScriptedDialogs open;
+    ASSERT_TRUE(OpenDataFile(s, open, b.Write(dir / "huge.abf")));
+    RecordingDialogs ui;
+    ui.answers = {Answer::No};
+    menu_ExtractSynchArray(s, ui, SynchTarget::DataArray1);
+    // The section is one block of 64 pairs, the last 62 of them zero padding.
+    ASSERT_EQ(s.dataArray1.UpperBound(), 64);
+    EXPECT_FLOAT_EQ(s.dataArray1(1), 1);
+    EXPECT_FLOAT_EQ(s.dataArray1(2), 3);
+    EXPECT_FLOAT_EQ(s.dataArray1(64), 0);
+    // The question still quotes the header's count.
+    ASSERT_EQ(ui.log.size(), 1u);
+    EXPECT_NE(ui.log[0].find("There are 2147483647 events"), std::string::npos);
+}
+
 TEST_F(SynchArrayTest, EventTableTargetSetsRelativeTimeToTheSegmentStart) {
     OpenEventDriven(12.5f);
     // Points = Time / 0.05 ms; segment = points / 1000.

@@ -262,5 +262,52 @@ TEST(ComplexPeaks, ScanEndsWhenTwoPeaksLeadBackToEachOther) {
     EXPECT_EQ(rig.Event(4), rig.Event(2));
 }
 
+TEST(ComplexPeaks, AnAverageBeyondTheBuffersLeavesTheLastOneTakenInTheComparison) {
+    // One Block a screen: the buffers end at 511. A parent of 200 at 497 decays to 7 at 511;
+    // beyond, every point reads 0 and no average can be taken.
+    // Quarters 0 and 1 fail, the last average they took being 8 (at 510). Quarter 2: trough 0
+    // at 512, where the peak search takes no average at all, so 8 stands against the trough:
+    // V = 8 at 512. 3-point means down to 512: (7 + 0 + 0) / 3 -> 2; 8 - 2 passes. The base:
+    // tau = -15 / ln(2 / 200) -> 3, 200 x exp(-5) = 1.35 -> 1; amplitude 7; area -1 at 512 and
+    // -1 at 513 (within half the amplitude): 0.2.
+    Trace t(2048, 0);
+    Put(t, 497, {200, 150, 110, 80, 60, 45, 35, 28, 22, 18, 15, 12, 10, 8, 7});
+    DetectionParameters p = ComplexParameters();
+    p.AreaThreshold = 0.1f;
+    Rig rig(t, p, 1);
+    EventRecord& parent = rig.s.events.Add();
+    parent.Time = 49.7f;
+    parent.Amplitude = 200;
+    parent.Baseline = 0;
+    ASSERT_TRUE(DetectMultiPeak(rig.s, rig.quiet, 1, false));
+    ASSERT_EQ(rig.Count(), 2);
+    const EventRecord& e = rig.Event(2);
+    EXPECT_FLOAT_EQ(e.Time, 51.2f);
+    EXPECT_EQ(e.Amplitude, 7);
+    EXPECT_EQ(e.Baseline, 1);
+    EXPECT_EQ(e.Rise, 0);
+    EXPECT_EQ(e.Decay, 1);
+    EXPECT_FLOAT_EQ(e.Area, 0.2f);
+}
+
+TEST(ComplexPeaks, ParentFarOffTheScreenEndsTheSearchWithoutAPeak) {
+    // A damaged time some 2^31 points either side of the screen: every point of the search
+    // reads 0.
+    Trace t(2048, 0);
+    PutPair(t, 100);
+    DetectionParameters p = ComplexParameters();
+    p.PeriodToSearchMax = 100000;  // quarters of 250 points reach past the 32-bit range
+    Rig rig(t, p);
+    for (float time : {214748352.0f, -214748352.0f}) {
+        SCOPED_TRACE(time);
+        rig.s.events.SetCount(0);
+        EventRecord& parent = rig.s.events.Add();
+        parent.Time = time;
+        parent.Amplitude = 200;
+        EXPECT_FALSE(DetectMultiPeak(rig.s, rig.quiet, 1, false));
+        EXPECT_EQ(rig.Count(), 1);
+    }
+}
+
 }  // namespace
 }  // namespace ardel::testing

@@ -347,5 +347,41 @@ TEST_F(ManualEditTest, ScanAdjustsEveryEventScreenByScreenUntilInterrupted) {
     EXPECT_EQ(s.events.CurrentEvent, 3);  // stepped past the last
 }
 
+TEST_F(ManualEditTest, OddParametersAreTakenAsTheScanTakesThem) {
+    // A direction that is neither +1 nor -1 (a parameter file may carry 0) looks downward,
+    // by click as by the scan.
+    Open(testing::MakeTrace(8192, 0, {{500, -150.0, 8, 60}}));
+    s.params.PeakDirection = 0;
+    Command1(s, ui);
+    ASSERT_EQ(s.events.EventCount(), 1);
+    const EventRecord scanned = s.events[1];
+    s.events.Resize(0);
+    Click(scanned.RelativeTime);
+    ASSERT_EQ(s.events.EventCount(), 1);
+    EXPECT_EQ(s.events[1], scanned);
+    EXPECT_EQ(s.events[1].PeakDirection, -1);
+}
+
+TEST_F(ManualEditTest, OnlyAClickLimitsTheBaselineLeadTo16Bits) {
+    // 40000 points of lead: beyond the field. Off the first screen the look-back is allowed
+    // and finds zeros outside the buffers.
+    Open(ActionPotentials({4696}));
+    s.params.PeakDirection = 1;
+    s.params.PeriodStartBaseline = 2000000;
+    for (int k = 0; k < 4; ++k) NextScreen();
+    Click(600);
+    ASSERT_EQ(s.events.EventCount(), 1);
+    EventRecord& e = s.events[1];
+    EXPECT_EQ(e.BaselineLead, 32767);
+
+    // Moving the baseline to the threshold writes the lead without the limit, so the
+    // overflowing statement leaves the field as it was.
+    e.BaselineLead = 99;
+    s.events.CurrentEvent = 1;
+    menu_BaselineThreshold(s, ui);
+    EXPECT_EQ(e.Baseline, 148);
+    EXPECT_EQ(e.BaselineLead, 99);
+}
+
 }  // namespace
 }  // namespace ardel

@@ -50,6 +50,9 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
     try {
         LoadIniSettings(s, ini, programDir);
         if (!o.par.empty()) {
+            // The menu command passes over a file it cannot read without a word; here that
+            // would run the analysis with parameters the user did not ask for.
+            const FileSource readable(o.par);
             CliDialogs ui(err);
             ui.openFileAnswer = o.par;
             menu_LoadParameter(s, ui, programDir);
