@@ -27,7 +27,8 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
 void AttachRecordingFile(Recording& r, std::shared_ptr<const SampleSource> source,
                          const AbfHeader& header, const std::string& name);
 
-// Switches the active channel (Combo3): scale factors again, buffers afresh, Display.
+// Switches the active channel (Combo3): scale factors again, then Display. The buffers hold
+// every channel already, so they keep their shape.
 void SelectChannel(Session& s, int channelIndex);
 
 // The rows of the header window, label and value, and its title.

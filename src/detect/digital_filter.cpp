@@ -186,6 +186,8 @@ void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
     const std::size_t stride = rec.CurrentScreen.size() / points;
     const std::size_t ch = rec.ChannelIndex;
     if (stride == 0 || ch >= stride) return;
+    for (const auto* b : buffers)
+        if (b->size() < points * stride) return;
 
     const double fs = SamplingFrequency(rec);
     const double fc = Val(s.options.FilterFreq);
@@ -247,8 +249,11 @@ template <typename T>
 std::vector<T> Gaussian(std::span<const T> data, double fc) {
     std::vector<T> out(data.begin(), data.end());
     if (!(fc > 0) || data.empty()) return out;
-    // The response exp(-2 pi^2 sigma^2 f^2) is 1/sqrt(2) at f = fc.
-    const double sigma = std::sqrt(std::log(2.0)) / (2 * std::numbers::pi) / fc;
+    const std::int64_t n = std::int64_t(data.size());
+    // The response exp(-2 pi^2 sigma^2 f^2) is 1/sqrt(2) at f = fc. A cut-off so low that
+    // sigma overflows is taken as the widest finite bell.
+    const double sigma =
+        std::min(std::sqrt(std::log(2.0)) / (2 * std::numbers::pi) / fc, 1e300);
     std::vector<double> a;
     std::int64_t nc;
     if (sigma < 0.62) {
@@ -257,7 +262,11 @@ std::vector<T> Gaussian(std::span<const T> data, double fc) {
         a = {w, 1 - 2 * w, w};
         nc = 1;
     } else {
-        nc = std::int64_t(4 * sigma);
+        // The bell is cut at 4 sigma. Taps n or more away from a point only ever see the end
+        // values, so a bell wider than the data is cut at n with the weight of its tails on
+        // the outermost taps: a very low cut-off costs no more than the data's length.
+        const double half = std::floor(4 * sigma);
+        nc = half < double(n) ? std::int64_t(half) : n;
         a.resize(std::size_t(2 * nc + 1));
         double sum = 0;
         for (std::int64_t k = -nc; k <= nc; ++k) {
@@ -265,9 +274,17 @@ std::vector<T> Gaussian(std::span<const T> data, double fc) {
             a[std::size_t(k + nc)] = v;
             sum += v;
         }
+        if (half > double(nc)) {
+            // The taps nc+1 .. half of each tail, summed as the integral of the bell.
+            const double r = sigma * std::numbers::sqrt2;
+            const double tail = sigma * std::sqrt(std::numbers::pi / 2) *
+                                (std::erf((half + 0.5) / r) - std::erf((double(nc) + 0.5) / r));
+            a.front() += tail;
+            a.back() += tail;
+            sum += 2 * tail;
+        }
         for (double& v : a) v /= sum;
     }
-    const std::int64_t n = std::int64_t(data.size());
     for (std::int64_t i = 0; i < n; ++i) {
         double acc = 0;
         for (std::int64_t k = -nc; k <= nc; ++k)

@@ -22,7 +22,9 @@ inline constexpr std::array<const char*, 8> kFilterTypeCaptions = {
 
 inline constexpr int kFilterOrder = 8;
 // Pass-band ripple of the Chebyshev and elliptic filters, and stop-band attenuation of the
-// inverse Chebyshev and elliptic filters.
+// inverse Chebyshev and elliptic filters: half a decibel (6 %) of ripple distorts amplitudes
+// less than the noise of a recording does, and a thousandth of what lies in the stop band is
+// lost in that noise too.
 inline constexpr double kFilterRippleDb = 0.5;
 inline constexpr double kFilterAttenuationDb = 60.0;
 

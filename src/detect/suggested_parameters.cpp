@@ -17,7 +17,9 @@ DetectionFrameTexts DetectionTexts(const DetectionParameters& p) {
     return t;
 }
 
-std::optional<DetectionFrameTexts> menu_SuggParam(Session& s, UserDialogs& ui, int index) {
+std::optional<DetectionFrameTexts> menu_SuggParam(
+    Session& s, UserDialogs& ui, int index,
+    const std::function<void(const DetectionFrameTexts&)>& showTexts) {
     if (!s.recording.FileIsOpen || index < 1 || index > 3) return std::nullopt;
     // Events measured with the old parameters must not stand beside new ones.
     if (s.events.EventCount() > 0) Command5(s, ui);
@@ -47,13 +49,15 @@ std::optional<DetectionFrameTexts> menu_SuggParam(Session& s, UserDialogs& ui, i
         p.PeriodBaselineAverage = *avg;
     p.AreaThreshold = pr.areaThreshold;
     p.PeakDirection = pr.direction;
+    const DetectionFrameTexts texts = DetectionTexts(p);
+    if (showTexts) showTexts(texts);
 
     ui.Message("Suggest Analysis Parameters",
                "The analysis parameters are set according to the typical waveform kinetics.  "
                "After detecting several peaks, please readjust the amplitude threshold and area "
                "threshold as well as other paramters as needed.  Also, please make sure the "
                "direction of peak is appropriately set.");
-    return DetectionTexts(p);
+    return texts;
 }
 
 double RmsNoise(const Recording& rec, double blocks) {

@@ -28,8 +28,11 @@ DetectionFrameTexts DetectionTexts(const DetectionParameters& p);
 
 // "Suggest Analysis Parameters" preset 1, 2 or 3. Resets the events first (with Command5's
 // question) when there are any, sets the parameters, and tells the user to readjust them.
-// nullopt without an open file or for another index.
-std::optional<DetectionFrameTexts> menu_SuggParam(Session& s, UserDialogs& ui, int index);
+// nullopt without an open file or for another index. showTexts, when given, puts the new
+// values into the frame before the message comes up, so that the user reads them beside it.
+std::optional<DetectionFrameTexts> menu_SuggParam(
+    Session& s, UserDialogs& ui, int index,
+    const std::function<void(const DetectionFrameTexts&)>& showTexts = {});
 
 // RMS of the active channel over the first 256 x blocks points of the current screen, in
 // amplitude units, around the mean of the same points. The divisor is the number of points.

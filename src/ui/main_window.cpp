@@ -242,7 +242,9 @@ void Ardelvantine::BuildUi() {
     grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid_->verticalHeader()->setVisible(false);
     grid_->verticalHeader()->setDefaultSectionSize(grid_->fontMetrics().height() + 4);
-    grid_->horizontalHeader()->setDefaultSectionSize(76);
+    // Wide enough for a seven-digit value such as -0.9765625 without eliding it.
+    grid_->horizontalHeader()->setDefaultSectionSize(
+        grid_->fontMetrics().horizontalAdvance("-0.00000000") + 14);
     grid_->setContextMenuPolicy(Qt::CustomContextMenu);
     menuEvents_ = new QMenu(this);
     menuEvents_->setObjectName("menu_events");
@@ -1330,12 +1332,12 @@ void Ardelvantine::menu_ScanAdjustBaseline_Click() {
 }
 
 void Ardelvantine::menu_SuggParam_Click(int index) {
-    std::optional<DetectionFrameTexts> texts;
-    Run("Suggest Analysis Parameters", kPlain,
-        [this, index, &texts] { texts = menu_SuggParam(session_, *ui_, index); });
-    if (!texts) return;
-    for (int i = 0; i < 7; ++i) text4_[i]->setText(Q(texts->Text4[std::size_t(i)]));
-    combo1_->setCurrentText(Q(texts->Combo1));
+    Run("Suggest Analysis Parameters", kPlain, [this, index] {
+        menu_SuggParam(session_, *ui_, index, [this](const DetectionFrameTexts& texts) {
+            for (int i = 0; i < 7; ++i) text4_[i]->setText(Q(texts.Text4[std::size_t(i)]));
+            combo1_->setCurrentText(Q(texts.Combo1));
+        });
+    });
 }
 
 void Ardelvantine::menu_RMSNoise_Click() {

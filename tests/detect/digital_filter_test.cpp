@@ -294,6 +294,25 @@ TEST(GaussianFilter, HalvesThePowerAtItsCutoffAndKeepsALevelUnchanged) {
     // A wide cut-off gives the three-point filter, which still keeps a level.
     const std::vector<double> flat(10, 3.0);
     for (double v : GaussianFilter(flat, 0.4)) EXPECT_NEAR(v, 3.0, 1e-12);
+
+    // A bell wider than the data (sigma 13 points, cut at 53, on 20 points) gives what the
+    // whole bell would give over the data extended by its ends.
+    std::vector<double> shortRun(20);
+    for (std::size_t i = 0; i < shortRun.size(); ++i) shortRun[i] = double(i * i % 7);
+    const double sigma = std::sqrt(std::log(2.0)) / (2 * kPi) / 0.01;
+    const auto wide = GaussianFilter(shortRun, 0.01);
+    for (int i = 0; i < 20; ++i) {
+        double acc = 0, sum = 0;
+        for (int k = -53; k <= 53; ++k) {
+            const double w = std::exp(-k * k / (2 * sigma * sigma));
+            acc += w * shortRun[std::size_t(std::clamp(i + k, 0, 19))];
+            sum += w;
+        }
+        EXPECT_NEAR(wide[std::size_t(i)], acc / sum, 1e-3) << i;
+    }
+    // A cut-off far too low for any kernel leaves the mean of the two ends everywhere.
+    for (double v : GaussianFilter(std::vector<double>{0, 10, 20, 30}, 1e-300))
+        EXPECT_NEAR(v, 15.0, 1e-9);
 }
 
 }  // namespace
