@@ -167,10 +167,12 @@ void TakeNumberPointsPeak(Session& s) {
 }
 
 // Loads decoded contents into the session: everything of OpenEventFile after the read.
-void ApplyEventFile(Session& s, UserDialogs& ui, EventFileContents&& c) {
+void ApplyEventFile(Session& s, UserDialogs& ui, EventFileContents&& c,
+                    const std::filesystem::path& path) {
     s.FileComment = c.comment;
     s.params = c.params;
-    for (auto& w : c.warnings) s.recording.warnings.push_back(std::move(w));
+    // Named, since the data file's own warnings stand in the same list.
+    for (auto& w : c.warnings) s.recording.warnings.push_back(path.filename().string() + ": " + w);
     if (c.baselineLeadOverflow) {
         // The conversion stopped at the first row: the parameters are taken, the table is not.
         s.events.Resize(0);
@@ -408,7 +410,7 @@ bool menu_SaveEvent(Session& s, UserDialogs& ui) {
 bool OpenEventFile(Session& s, UserDialogs& ui, const std::filesystem::path& path) {
     auto bytes = ReadWholeFile(path);
     if (!bytes) return false;
-    ApplyEventFile(s, ui, DecodeEventFile(*bytes));
+    ApplyEventFile(s, ui, DecodeEventFile(*bytes), path);
     return true;
 }
 
@@ -452,7 +454,7 @@ void menu_OpenEvent(Session& s, UserDialogs& ui) {
                                             ".  Please find the appropriate event file.");
         return;
     }
-    ApplyEventFile(s, ui, DecodeEventFile(*bytes));
+    ApplyEventFile(s, ui, DecodeEventFile(*bytes), *chosen);
     Display(s);
 }
 

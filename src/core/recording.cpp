@@ -72,6 +72,12 @@ std::int32_t OpenSequenceTotalBlocks(const AbfHeader& h) {
 
 void Recording::DimensionBuffers() {
     channels_ = std::clamp<int>(header.nADCNumChannels, 1, kAbfMaxChannels);
+    // A screen is 1 to 32767 Blocks, as its box allows. A length outside (from a damaged
+    // settings file, say) would make a non-stop run step by nothing or overflow the indices.
+    if (!(BlocksPerScreen >= 1.0f))
+        BlocksPerScreen = 1.0f;
+    else if (BlocksPerScreen > 32767.0f)
+        BlocksPerScreen = 32767.0f;
     // A fractional screen length is allowed; its point count is rounded like any other
     // conversion to an integer.
     double points = RoundHalfEven(double(BlocksPerScreen) * 256.0);

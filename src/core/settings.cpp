@@ -96,6 +96,15 @@ std::int32_t LongFrom(std::string_view section, std::string_view key, std::strin
                         "does not fit a 32-bit integer");
 }
 
+// The runtime's Str applied to a control's text first makes the text a number, and text that
+// is not one is a type error rather than 0.
+std::string StrOfText(std::string_view section, std::string_view key, std::string_view text) {
+    if (!IsNumberText(TrimSpaceTab(text)))
+        throw SettingsError(std::string(section), std::string(key), std::string(text),
+                            "is not a number");
+    return Str(Val(text));
+}
+
 std::int16_t IntegerFrom(std::string_view section, std::string_view key, std::string_view text) {
     if (const auto v = ToInt16(Val(text))) return *v;
     throw SettingsError(std::string(section), std::string(key), std::string(text),
@@ -447,7 +456,9 @@ MainWindowTexts LoadIniSettings(Session& s, const fs::path& file, const fs::path
     s.display.LockBase = lockBase;
     s.display.FractionWindow = fraction;
     s.display.DisplayTrace = ckDisplayTrace;
+    // As Text3 takes it: within its limits, with the buffers dimensioned for it.
     s.recording.BlocksPerScreen = blocksPerScreen;
+    s.recording.DimensionBuffers();
     return texts;
 }
 
@@ -474,16 +485,18 @@ void Command6(Session& s, UserDialogs& dialogs, const fs::path& iniFile) {
 
 void Command7(Session& s, UserDialogs& dialogs, const fs::path& iniFile) {
     ProgramOptions& o = s.options;
-    // Taken before anything is written, so that a fraction the program refuses saves nothing.
+    // Taken before anything is written, so that a text the program refuses saves nothing.
     const float fraction = SingleFrom("Display", "FractionWindow", o.cbFraction);
+    const std::string groupNavigate = StrOfText("Display", "GroupNavigate", o.GroupNavigate);
+    const std::string jumpInterval = StrOfText("Display", "JumpInterval", o.JumpInterval);
     const std::vector<KeyValue> keys = {
         {"Program", "SoundOn", FlagText(o.SoundOn)},
         {"Program", "DisplayTooltips", FlagText(o.DisplayTooltips)},
         {"Display", "LockBase", FlagText(o.ckLockBase)},
         {"Display", "FractionWindow", o.cbFraction},
         {"Display", "DisplayTrace", FlagText(s.display.DisplayTrace)},
-        {"Display", "GroupNavigate", Str(Val(o.GroupNavigate))},
-        {"Display", "JumpInterval", Str(Val(o.JumpInterval))},
+        {"Display", "GroupNavigate", groupNavigate},
+        {"Display", "JumpInterval", jumpInterval},
         {"Analysis", "ComplexPeak", FlagText(o.ComplexPeak)},
         {"Display", "FilterType", Str(std::int64_t(o.FilterType))},
         {"Display", "FilterFreq", o.FilterFreq},

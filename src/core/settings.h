@@ -84,6 +84,8 @@ void Command6(Session& s, UserDialogs& dialogs, const std::filesystem::path& ini
 
 // The options panel's "Save Settings": writes the panel's controls, then takes the check boxes
 // and the fraction text into the program-wide flags and the fraction, then "Settings Saved".
+// Group navigate and jump interval texts that are no numbers throw SettingsError and nothing
+// is written.
 void Command7(Session& s, UserDialogs& dialogs, const std::filesystem::path& iniFile);
 
 // "in Custom Settings File": asks for a .SET name in the program's folder (iniFile's folder),

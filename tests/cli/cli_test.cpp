@@ -101,6 +101,17 @@ TEST(CliDetect, ParamsAndSettingsFileApply) {
     EXPECT_THAT(r.err, HasSubstr("unknown key \"Threshold\""));
     r = Cli(dir, {"detect", file.string(), "--param", "ThresholdAmplitude!"});
     EXPECT_EQ(r.code, 2);
+    // A screen length the window's box would refuse takes its limit instead of never ending.
+    WritePrivateProfileString("Display", "DisplayTotalNumberBlockPerScreen", " 0", dir / "my.ini");
+    r = Cli(dir, {"detect", file.string(), "--ini", (dir / "my.ini").string(), "--no-evt"});
+    EXPECT_THAT(r.err, HasSubstr(", 1 events, 20.000 s"));
+
+    // A settings file named but not there is a mistake, not a run on the defaults.
+    r = Cli(dir, {"detect", file.string(), "--ini", (dir / "typo.ini").string()});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("typo.ini does not exist"));
+    r = Cli(dir, {"settings", "--ini", (dir / "typo.ini").string()});
+    EXPECT_EQ(r.code, 2);
 }
 
 TEST(CliDetect, ImproperParametersFailWithTheProgramsMessage) {
@@ -144,7 +155,8 @@ TEST(CliBadInput, RefusedFilesGiveMessagesAndExitCodes) {
     std::ofstream(dir / "v2.abf", std::ios::binary) << std::string("ABF2") + std::string(600, '\0');
     r = Cli(dir, {"info", (dir / "v2.abf").string()});
     EXPECT_EQ(r.code, 1);
-    EXPECT_THAT(r.err, HasSubstr("Not ABF File"));
+    EXPECT_THAT(r.err, HasSubstr("v2.abf: Not ABF File"));
+    EXPECT_THAT(r.err, HasSubstr("is an ABF 2 file"));
 
     AbfBuildSpec spec;
     AbfHeader h = MakeAbfHeader(spec, 1000);
@@ -309,6 +321,17 @@ TEST(CliEventFiles, ParameterFileAndDesktopBatch) {
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_THAT(r.err, HasSubstr("cell.abf: 1 events"));
     EXPECT_EQ(ReadAll(dir / "cell.EVT"), plain);
+
+    // Parameters the scan refuses are said once per file, not once per screen, and fail the run.
+    r = Cli(dir,
+            {"detect", file.string(), "--desktop-batch", "--param", "PeriodBaselineAverage&=50"});
+    EXPECT_EQ(r.code, 1);
+    const auto lines = Lines(r.err);
+    ASSERT_GE(lines.size(), 2u) << r.err;
+    EXPECT_THAT(lines[0], StartsWith("cell.abf: Improper Analysis Parameters"));
+    EXPECT_THAT(lines[1], StartsWith("(the message above came "));
+    r = Cli(dir, {"detect", file.string(), "--desktop-batch", "--csv", "x.csv"});
+    EXPECT_EQ(r.code, 2);
 }
 
 }  // namespace

@@ -264,6 +264,16 @@ TEST_F(BufferTest, AFractionalScreenLengthMovesByAFractionOfABlockOfEachChannel)
     EXPECT_EQ(Sample(0), ch1[640]);
     EXPECT_EQ(Sample(-1), ch1[639]);
     EXPECT_EQ(Sample(1279), ch1[1919]);
+
+    // A length outside 1 .. 32767 Blocks (a damaged settings file) takes the nearer limit when
+    // the buffers are dimensioned for it, so that a non-stop run always moves.
+    for (const auto& [asked, taken] : {std::pair{0.0f, 1.0f}, {-3.0f, 1.0f}, {0.2f, 1.0f},
+                                       {std::nanf(""), 1.0f}, {1e9f, 32767.0f}}) {
+        s.recording.BlocksPerScreen = asked;
+        s.recording.DimensionBuffers();
+        EXPECT_EQ(s.recording.BlocksPerScreen, taken) << asked;
+        EXPECT_EQ(s.recording.ScreenPoints(), std::int32_t(taken) * 256) << asked;
+    }
 }
 
 TEST_F(BufferTest, GetAverageValueDividesByTheSettingNotByThePointsSummed) {

@@ -301,6 +301,14 @@ TEST_F(SettingsTest, OnlyTheOptionsSaveWritesThePanelAndTakesItsBoxesIntoEffect)
     // The flags now hold, so a later full save keeps them.
     Command6(s_, dialogs_, ini_);
     EXPECT_EQ(Key("Analysis", "ComplexPeak"), "True");
+
+    // Str of a text that is no number is a type error, not " 0"; nothing is written then.
+    const std::string before = IniText();
+    s_.options.JumpInterval = "soon";
+    s_.options.cbFraction = "0.75";
+    EXPECT_THROW(Command7(s_, dialogs_, ini_), SettingsError);
+    EXPECT_EQ(IniText(), before);
+    EXPECT_FLOAT_EQ(s_.display.FractionWindow, 0.5f);
 }
 
 TEST_F(SettingsTest, SavedSettingsLoadBackUnchanged) {

@@ -3,13 +3,14 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <atomic>
 #include <chrono>
-#include <thread>
 #include <cmath>
 #include <cstdio>
 #include <ostream>
 #include <sstream>
+#include <thread>
 
 #include "app/cli/cli_dialogs.h"
 #include "core/event_files.h"
@@ -42,13 +43,29 @@ struct DetectOptions {
     bool filter = false;
 };
 
+// The settings file to read. The one beside the program may be missing (its defaults hold);
+// a file named on the command line must be there, or a mistyped name would pass unnoticed.
+std::optional<std::filesystem::path> SettingsFile(const std::string& named,
+                                                  const std::filesystem::path& programDir,
+                                                  std::ostream& err) {
+    if (named.empty()) return ArdelvanIniPath(programDir);
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(named, ec)) {
+        err << "error: the settings file " << named
+            << (std::filesystem::exists(named, ec) ? " is not a file\n" : " does not exist\n");
+        return std::nullopt;
+    }
+    return std::filesystem::path(named);
+}
+
 // Everything a file's analysis needs before it starts: settings file, then --param, then the
 // screen and complex-peak flags. Returns false (after a message) on a bad setting.
 bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::path& programDir,
                     std::ostream& err) {
-    const std::filesystem::path ini = o.ini.empty() ? ArdelvanIniPath(programDir) : std::filesystem::path(o.ini);
+    const auto ini = SettingsFile(o.ini, programDir, err);
+    if (!ini) return false;
     try {
-        LoadIniSettings(s, ini, programDir);
+        LoadIniSettings(s, *ini, programDir);
         if (!o.par.empty()) {
             // The menu command passes over a file it cannot read without a word; here that
             // would run the analysis with parameters the user did not ask for.
@@ -76,10 +93,10 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
         err << "error: " << e.what() << '\n';
         return false;
     }
-    if (o.blocksPerScreen) {
-        double b = *o.blocksPerScreen;
-        s.recording.BlocksPerScreen = float(std::clamp(b, 1.0, 32767.0));
-    }
+    // The screen length takes the limits of the window's box, whether it comes from the
+    // settings file or from the option: a length below one Block would never reach the end.
+    const double blocks = o.blocksPerScreen.value_or(double(s.recording.BlocksPerScreen));
+    s.recording.BlocksPerScreen = float(blocks >= 1.0 ? std::min(blocks, 32767.0) : 1.0);
     if (o.complexPeak) s.options.ComplexPeak = true;
     if (o.filter) s.options.FilterOn = true;
     return true;
@@ -126,6 +143,17 @@ bool WriteText(const std::string& path, const std::string& text, std::ostream& e
     }
 }
 
+// The signature of the newer file format, which the program refuses as "not ABF".
+bool IsAbf2File(const std::string& file) {
+    std::array<std::uint8_t, 4> sig{};
+    try {
+        FileSource(file).Read(0, sig);
+    } catch (const std::exception&) {
+        return false;
+    }
+    return sig == std::array<std::uint8_t, 4>{'A', 'B', 'F', '2'};
+}
+
 // Opens as a click in the file list does, the channel question answered by --channel.
 bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
                 const std::optional<int>& channel, std::ostream& err) {
@@ -135,8 +163,15 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
         err << "error: " << file << ": no such file\n";
         return false;
     }
+    const std::string name = std::filesystem::path(file).filename().string();
+    ui.context = [name] { return name; };
+    const int messagesBefore = ui.messages;
     if (!OpenDataFile(s, ui, file)) {
-        if (ui.messages == 0) err << "error: " << file << " could not be opened\n";
+        if (ui.messages == messagesBefore)
+            err << "error: " << file << " could not be opened\n";
+        else if (IsAbf2File(file))
+            err << "error: " << file
+                << " is an ABF 2 file; only ABF 1.x files (header \"ABF \") can be read\n";
         return false;
     }
     for (const std::string& w : s.recording.warnings) err << "warning: " << w << '\n';
@@ -148,8 +183,8 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
 }
 
 // Writes --csv and --grid for one analysed file; with several files the options name folders.
-bool WriteTables(const Session& s, const DetectOptions& o, const std::string& file,
-                 bool several, std::ostream& log) {
+bool WriteTables(const Session& s, const DetectOptions& o, const std::string& file, bool several,
+                 std::ostream& log) {
     bool ok = true;
     auto target = [&](const std::string& opt, const char* ext) {
         if (!several) return opt;
@@ -158,13 +193,17 @@ bool WriteTables(const Session& s, const DetectOptions& o, const std::string& fi
     };
     if (!o.csv.empty()) {
         const std::string path = target(o.csv, ".csv");
-        if (WriteText(path, EventCsv(s.events), log)) log << "events written to " << path << '\n';
-        else ok = false;
+        if (WriteText(path, EventCsv(s.events), log))
+            log << "events written to " << path << '\n';
+        else
+            ok = false;
     }
     if (!o.grid.empty()) {
         const std::string path = target(o.grid, ".txt");
-        if (WriteText(path, EventGrid(s), log)) log << "grid written to " << path << '\n';
-        else ok = false;
+        if (WriteText(path, EventGrid(s), log))
+            log << "grid written to " << path << '\n';
+        else
+            ok = false;
     }
     return ok;
 }
@@ -211,7 +250,8 @@ int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
     Command1(s, ui);
     if (ui.messages > messagesBefore) return 1;  // improper parameters: nothing was analysed
     Command3(s, ui);
-    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    const double wall =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
     if (progress) log << "\r\033[K" << std::flush;
 
     const double totalPoints = double(std::max(0, r.header.lActualAcqLength)) / r.Channels();
@@ -232,7 +272,8 @@ int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
         s.display.BatchRunning = true;
         const bool saved = menu_SaveEvent(s, ui);
         s.display.BatchRunning = false;
-        if (saved) log << "event file written to " << evt.string() << '\n';
+        if (saved)
+            log << "event file written to " << evt.string() << '\n';
         else if (s.events.EventCount() > 0) {
             log << "error: the event file " << evt.string() << " could not be written\n";
             status = 1;
@@ -243,27 +284,36 @@ int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
 }
 
 int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& programDir,
-                    std::ostream& out, std::ostream& err) {
+                    std::ostream& err) {
     Session s;
     if (!PrepareSession(s, o, programDir, err)) return 2;
     if (o.channel) s.recording.ChannelIndex = std::uint8_t(std::clamp(*o.channel, 0, 15));
     CliDialogs ui(err);
     AnswerReplaceWithYes(ui);
+    ui.context = [&s] { return s.Label11; };
+    if (s.options.FilterOn) InstallDigitalFilter(s, ui);
     std::vector<std::filesystem::path> files(o.files.begin(), o.files.end());
     const BatchReport report = RunBatch(s, ui, files);
-    int status = 0;
+    ui.FlushRepeats();
+    // A message (bad parameters, a filter it cannot design) means the results need a look.
+    int status = ui.messages > 0 ? 1 : 0;
     for (const BatchFileOutcome& f : report.files) {
         for (const std::string& w : f.warnings) err << "warning: " << w << '\n';
         const std::string name = f.file.filename().string();
         switch (f.status) {
             case BatchFileStatus::Analysed:
-                err << name << ": " << f.eventCount << " events";
-                if (!f.eventFile.empty()) out << "event file written to " << f.eventFile.string() << '\n';
-                err << '\n';
+                err << name << ": " << f.eventCount << " events\n";
+                if (!f.eventFile.empty())
+                    err << "event file written to " << f.eventFile.string() << '\n';
                 break;
-            case BatchFileStatus::PassedOver: err << name << ": passed over\n"; break;
+            case BatchFileStatus::PassedOver:
+                err << name << ": passed over\n";
+                break;
             case BatchFileStatus::NotAbf:
-                err << name << ": not an ABF file, skipped\n";
+                err << name
+                    << (IsAbf2File(f.file.string())
+                            ? ": an ABF 2 file, skipped (only ABF 1.x files can be read)\n"
+                            : ": not an ABF file, skipped\n");
                 status = 1;
                 break;
             case BatchFileStatus::Unreadable:
@@ -279,9 +329,8 @@ int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& program
     return status;
 }
 
-int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& out,
-              std::ostream& err) {
-    if (o.desktopBatch) return RunDesktopBatch(o, programDir, out, err);
+int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& err) {
+    if (o.desktopBatch) return RunDesktopBatch(o, programDir, err);
     const bool several = o.files.size() > 1;
     const bool tty = ::isatty(STDERR_FILENO) && &err == &std::cerr;
     const int jobs = std::clamp(o.jobs, 1, 64);
@@ -368,8 +417,10 @@ int RunInfo(const std::string& file, std::optional<int> channel, std::ostream& o
 
 int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
            const std::filesystem::path& programDir) {
-    CLI::App app{"Ardelvantine command line: header info and event detection for ABF recordings",
-                 "ardelvantine-cli"};
+    CLI::App app{
+        "Ardelvantine command line: header info, event detection and event files of ABF "
+        "1.x recordings",
+        "ardelvantine-cli"};
     app.require_subcommand(1);
 
     std::string infoFile;
@@ -390,54 +441,67 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
     detect->add_option("--blocks-per-screen", d.blocksPerScreen,
                        "Screen length in Blocks of 256 points (default from the settings, 4)");
     detect->add_flag("--complex-peak", d.complexPeak, "Follow peaks riding on a decay");
-    detect->add_option("--param", d.params,
-                       "Detection parameter as KEY=VALUE, KEY a key of the settings file's "
-                       "Analysis section with its type mark, e.g. ThresholdAmplitude!=8")
+    detect
+        ->add_option("--param", d.params,
+                     "Detection parameter as KEY=VALUE (repeatable), KEY a key of the settings "
+                     "file's Analysis section with its type mark: ThresholdAmplitude!, "
+                     "PeriodToSearchMax&, PeriodStartBaseline&, PeriodFindDecayTime&, "
+                     "DecayPercent!, PeriodBaselineAverage&, AreaThreshold!, PeakDirection% "
+                     "(1 positive, else negative), ComplexPeak, NumberPointsPeak; also "
+                     "FilterType and FilterFreq. Example: --param ThresholdAmplitude!=8")
         ->take_all();
     detect->add_option("--ini", d.ini,
-                       "Settings file (default: Ardelvan.ini beside the program; defaults when "
-                       "it is missing)");
+                       "Settings file to take the parameters from (default: Ardelvan.ini beside "
+                       "the program, whose defaults hold when it is missing; a file named here "
+                       "must exist)");
     detect->add_option("--par", d.par,
                        "Parameter file (.PAR, or an event file) whose detection parameters "
                        "replace those of the settings file; --param still applies after it");
-    detect->add_option("--jobs", d.jobs, "Analyse this many files at once (default 1)")
-        ->check(CLI::Range(1, 64));
-    detect->add_flag("--no-evt", d.noEvt, "Do not save NAME.EVT beside each data file");
-    detect->add_flag(
+    auto* jobsOpt =
+        detect->add_option("--jobs", d.jobs, "Analyse this many files at once (default 1)")
+            ->check(CLI::Range(1, 64));
+    auto* noEvtOpt =
+        detect->add_flag("--no-evt", d.noEvt, "Do not save NAME.EVT beside each data file");
+    auto* batchOpt = detect->add_flag(
         "--desktop-batch", d.desktopBatch,
         "Run the desktop's Batch Analysis instead: files one after the other in one session, "
         "with the batch's own rules: TotalBlocks = samples / 256 whatever the channel count "
         "(so multi-channel files run on past their end, reading zeros), and the gain always "
         "multiplied by the stored fAutosampleAdditGain (a file storing 0 there finds no "
-        "events). Its event files are byte for byte those of the desktop's batch. --jobs, "
-        "--csv and --grid do not apply.");
+        "events). Its event files are byte for byte those of the desktop's batch. Cannot be "
+        "combined with --jobs, --no-evt, --csv or --grid.");
     detect->add_flag("--filter", d.filter,
                      "Filter the trace before detection with the digital filter of the settings "
                      "(Display section FilterType and FilterFreq, or --param FilterType=N "
                      "--param FilterFreq=HZ): 0 Butterworth low-pass, 1 high-pass, 2 Chebychev "
                      "low-pass, 3 high-pass, 4 Inv Chebychev low-pass, 5 high-pass, 6 elliptic "
                      "low-pass, 7 high-pass; order 8, causal");
-    detect->add_option("--csv", d.csv,
-                       "Write the stored fields of every event as CSV (a folder when several "
-                       "files are given)");
-    detect->add_option("--grid", d.grid,
-                       "Write the table as the grid shows it, tab-separated (a folder when "
-                       "several files are given)");
+    auto* csvOpt = detect->add_option("--csv", d.csv,
+                                      "Write the stored fields of every event as CSV (an "
+                                      "existing folder when several files are given)");
+    auto* gridOpt = detect->add_option("--grid", d.grid,
+                                       "Write the table as the grid shows it, tab-separated (an "
+                                       "existing folder when several files are given)");
+    batchOpt->excludes(jobsOpt)->excludes(noEvtOpt)->excludes(csvOpt)->excludes(gridOpt);
 
     std::string eventsFile;
     DetectOptions ev;
     auto* events = app.add_subcommand(
-        "events", "Open an event file against its data file (in the same folder) and write its table");
+        "events",
+        "Open an event file against its data file (in the same folder) and write its table");
     events->add_option("FILE", eventsFile, "Event file (.EVT)")->required();
     events->add_option("--channel", ev.channel, "Channel of the data file (default 0)");
-    events->add_option("--csv", ev.csv, "Write the stored fields as CSV (standard output when "
-                                       "neither --csv nor --grid is given)");
+    events->add_option("--csv", ev.csv,
+                       "Write the stored fields as CSV (standard output when "
+                       "neither --csv nor --grid is given)");
     events->add_option("--grid", ev.grid, "Write the table as the grid shows it, tab-separated");
 
     std::string settingsIni;
     auto* settings = app.add_subcommand(
         "settings", "Print the detection parameters and display settings as they would load");
-    settings->add_option("--ini", settingsIni, "Settings file (default: Ardelvan.ini beside the program)");
+    settings->add_option("--ini", settingsIni,
+                         "Settings file (default: Ardelvan.ini beside the program, whose defaults "
+                         "hold when it is missing; a file named here must exist)");
 
     try {
         app.parse(argc, argv);
@@ -450,14 +514,14 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
     }
 
     if (*info) return RunInfo(infoFile, infoChannel, out, err);
-    if (*detect) return RunDetect(d, programDir, out, err);
+    if (*detect) return RunDetect(d, programDir, err);
     if (*events) return RunEvents(eventsFile, ev, out, err);
     if (*settings) {
         Session s;
+        const auto ini = SettingsFile(settingsIni, programDir, err);
+        if (!ini) return 2;
         try {
-            const std::filesystem::path ini =
-                settingsIni.empty() ? ArdelvanIniPath(programDir) : std::filesystem::path(settingsIni);
-            LoadIniSettings(s, ini, programDir);
+            LoadIniSettings(s, *ini, programDir);
             for (const std::string& line : RenderEffectiveSettings(s)) out << line << '\n';
         } catch (const std::exception& e) {
             err << "error: " << e.what() << '\n';

@@ -5,16 +5,64 @@
 
 namespace ardel::cli {
 
+namespace {
+
+const char* AnswerText(Answer a) {
+    switch (a) {
+        case Answer::OK:
+            return "OK";
+        case Answer::Yes:
+            return "Yes";
+        case Answer::No:
+            return "No";
+        case Answer::Cancel:
+            return "Cancel";
+        default:
+            return "none";
+    }
+}
+
+}  // namespace
+
+CliDialogs::~CliDialogs() {
+    FlushRepeats();
+}
+
+std::string CliDialogs::Prefix() const {
+    std::string name = context ? context() : std::string();
+    return name.empty() ? name : name + ": ";
+}
+
+void CliDialogs::FlushRepeats() {
+    if (repeats_ > 0)
+        err_ << "(the message above came " << repeats_ << " more time" << (repeats_ == 1 ? "" : "s")
+             << ")\n";
+    repeats_ = 0;
+}
+
 void CliDialogs::Message(std::string_view title, std::string_view text) {
     ++messages;
-    err_ << title << ": " << text << '\n';
+    std::string line = Prefix();
+    line.append(title).append(": ").append(text);
+    // A scan that meets bad parameters says so on every screen; once is enough here.
+    if (line == lastMessage_) {
+        ++repeats_;
+        return;
+    }
+    FlushRepeats();
+    err_ << line << '\n';
+    lastMessage_ = std::move(line);
 }
 
 Answer CliDialogs::Ask(std::string_view title, std::string_view text, Buttons buttons,
                        Answer defaultAnswer) {
     if (answerFor)
         if (auto a = answerFor(title)) return *a;
-    return SilentDialogs::Ask(title, text, buttons, defaultAnswer);
+    const Answer a = SilentDialogs::Ask(title, text, buttons, defaultAnswer);
+    FlushRepeats();
+    lastMessage_.clear();
+    err_ << Prefix() << title << ": " << text << " [answered " << AnswerText(a) << "]\n";
+    return a;
 }
 
 std::optional<std::string> CliDialogs::Input(std::string_view title, std::string_view prompt,

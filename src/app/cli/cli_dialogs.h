@@ -14,8 +14,11 @@
 namespace ardel::cli {
 
 class CliDialogs : public SilentDialogs {
-public:
+  public:
     explicit CliDialogs(std::ostream& err) : err_(err) {}
+    ~CliDialogs() override;
+    CliDialogs(const CliDialogs&) = delete;
+    CliDialogs& operator=(const CliDialogs&) = delete;
 
     void Message(std::string_view title, std::string_view text) override;
     Answer Ask(std::string_view title, std::string_view text, Buttons buttons,
@@ -24,6 +27,9 @@ public:
                                      std::string_view defaultText) override;
     std::optional<std::filesystem::path> OpenFileName(const FileDialogSpec& spec) override;
     void Yield() override;
+
+    // Says how often the last message came again since it was printed.
+    void FlushRepeats();
 
     // Answer of the next open-file dialog (a parameter file given on the command line).
     std::optional<std::filesystem::path> openFileAnswer;
@@ -34,11 +40,17 @@ public:
     std::function<std::optional<Answer>(std::string_view title)> answerFor;
     // Called on Yield at most a few times a second (progress display).
     std::function<void()> onProgress;
+    // The name of the file the messages are about, put before them; none when empty or unset.
+    std::function<std::string()> context;
     int messages = 0;
 
-private:
+  private:
+    std::string Prefix() const;
+
     std::ostream& err_;
     std::chrono::steady_clock::time_point lastProgress_{};
+    std::string lastMessage_;
+    int repeats_ = 0;
 };
 
 }  // namespace ardel::cli
