@@ -966,6 +966,8 @@ void Ardelvantine::FListBoxFETCH_Click(QListWidgetItem* item) {
         return;
     }
     Run("FListBoxFETCH", kPlain, [this, path] {
+        // The readout of the last file's pointer position means nothing for the next one.
+        label4_->clear();
         OpenDataFile(session_, *ui_, path);
         text1_->setText(Q(DisplayGainText(session_)));
         ShowWarnings();

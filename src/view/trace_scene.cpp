@@ -160,7 +160,8 @@ TraceScene BuildTraceScene(const Session& s, int pixelWidth, double textHeight) 
     const DisplayState& d = s.display;
     const std::int32_t n = r.ScreenPoints();
     scene.width = n;
-    if (!r.FileIsOpen) return scene;
+    // While the channel question of an open is up, the file is open but not yet measured.
+    if (!r.FileIsOpen || !(r.SampleInterval > 0)) return scene;
 
     // Times of the screen's start and end.
     const double ptr = r.header.lDataSectionPtr;
