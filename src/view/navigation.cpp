@@ -515,6 +515,20 @@ std::vector<ShortcutHelpEntry> ShortcutHelpText() {
          "Doubles the display gain of the active channel, up to 1000."},
         {"Decrease display gain    (End)",
          "Halves the display gain of the active channel, down to 0.001."},
+        {"All keys of the main window",
+         "A or F5 first screen, S or F6 previous, D or F7 next, F or F8 last screen.\n"
+         "Z, X, C, V: first, previous, next, last event in table order; B: the first event "
+         "beyond this screen.\n"
+         "Q, W, E, R: first, previous, next, last event in time order.\n"
+         "1, 2, 3, 4: first, previous, next, last event of the group set under Options.\n"
+         "T: jump to a time; Ctrl+T: on by the interval set under Options; Y: jump to an "
+         "event number.\n"
+         "J reject, K delete, I recalculate, L double peak: the selected event.\n"
+         "F9 analyse this window, F10 the next window, F11 non-stop to the end, F12 "
+         "interrupt.\n"
+         "Page Up / Page Down: display offset; Home / End: display gain.\n"
+         "Letters and digits act while the trace, the file list or the grid has the keyboard; "
+         "in a text box they are typed."},
     };
 }
 

@@ -241,7 +241,7 @@ TEST(Navigation, DisplayKeysStepOffsetAndGainOfTheActiveChannel) {
     EXPECT_FALSE(RunViewKey(rig.s, rig.quiet, BindingForKey(Key::J, false)));
 
     const auto help = ShortcutHelpText();
-    ASSERT_EQ(help.size(), 11u);
+    ASSERT_EQ(help.size(), 12u);
     EXPECT_EQ(help[7].caption, "Increase display offset   (Page Up)");
     EXPECT_EQ(help[10].caption, "Decrease display gain    (End)");
 }
