@@ -12,6 +12,7 @@
 #include <QCursor>
 #include <QDir>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -26,6 +27,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -300,7 +302,13 @@ void Ardelvantine::BuildUi() {
         picture_->update();
     });
 
-    resize(1280, 820);
+    // The usual size, but never more than a small or strongly scaled screen has room for.
+    QSize size(1280, 820);
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QSize room = screen->availableGeometry().size();
+        size = size.boundedTo(QSize(room.width() * 95 / 100, room.height() * 90 / 100));
+    }
+    resize(size);
 }
 
 QWidget* Ardelvantine::BuildFilePanel() {
