@@ -126,7 +126,9 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         const float ampU = *ampUOpt;
         if (ampU < prm.ThresholdAmplitude || !(D * V > D * base)) continue;
 
-        // Rise from the trough at 5% of trough-to-peak; the area is taken from the base.
+        // Rise from the trough at 5% of trough-to-peak; the area is taken from the base. A
+        // refinement that put the peak before the trough gives a walk that never starts, and
+        // the rise start then stays at the peak, as a loop's counter does.
         std::int32_t area = 0;
         std::int32_t r2 = P;
         const double riseLevel = 0.05 * D * (V - T);
