@@ -51,6 +51,8 @@ int main(int argc, char* argv[]) {
     }
 
     ardel::Ardelvantine window(programDir);
+    // The picture has the window's usual size, whatever screen it is taken on.
+    if (takePicture) window.resize(1280, 820);
     window.show();
 
     const QStringList files = parser.positionalArguments();
