@@ -93,10 +93,12 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
         err << "error: " << e.what() << '\n';
         return false;
     }
-    // The screen length takes the limits of the window's box, whether it comes from the
-    // settings file or from the option: a length below one Block would never reach the end.
-    const double blocks = o.blocksPerScreen.value_or(double(s.recording.BlocksPerScreen));
-    s.recording.BlocksPerScreen = float(blocks >= 1.0 ? std::min(blocks, 32767.0) : 1.0);
+    // The recording holds the screen length to the box's limits when it dimensions its
+    // buffers; here the option only has to fit a float.
+    if (o.blocksPerScreen) {
+        const double b = *o.blocksPerScreen;
+        s.recording.BlocksPerScreen = float(b >= 1.0 ? std::min(b, 32767.0) : 1.0);
+    }
     if (o.complexPeak) s.options.ComplexPeak = true;
     if (o.filter) s.options.FilterOn = true;
     return true;
