@@ -63,6 +63,13 @@ struct Session {
     std::string FileComment;  // the 56-character comment that event files carry
     // The folder the file list shows; file dialogs start there.
     std::filesystem::path CurrentFolder;
+    // The grid's highlighted rows as event numbers, in the order they were highlighted: the
+    // list that the commands on "highlighted events" work through. Rows beyond the table are
+    // kept as given; each command checks them against its own bounds.
+    std::vector<std::int32_t> HighlightedRows;
+    // The runtime's uniform generator (Rnd). It is never reseeded, so every program start
+    // draws the same sequence.
+    std::uint32_t RndState = 0x50000;
 
     // Called at the end of every Display so that a window can repaint; the engine draws
     // nothing itself.
