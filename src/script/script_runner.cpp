@@ -137,6 +137,8 @@ ScriptRunner::ScriptRunner(std::ostream& out, fs::path programDir)
     session_.onLabel4 = [this](Session&, std::string_view text) {
         forms_.main.Label4 = std::string(text);
     };
+    // The program starts: its settings load as the window's load does.
+    LoadStartupSettings(session_, forms_.main, dialogs_, context_.programDir);
 }
 
 int ScriptRunner::Run(std::istream& in, std::string_view fileName, std::ostream& err) {
@@ -147,8 +149,6 @@ int ScriptRunner::Run(std::istream& in, std::string_view fileName, std::ostream&
         return 2;
     };
     try {
-        // The program starts: its settings load as the window's load does.
-        LoadStartupSettings(session_, forms_.main, dialogs_, context_.programDir);
         std::string line;
         while (std::getline(in, line)) {
             ++lineNumber;

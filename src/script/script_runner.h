@@ -28,8 +28,8 @@ std::vector<std::string> ScriptNames();
 
 class ScriptRunner {
   public:
-    // programDir is the folder of Ardelvan.ini; the settings load from there as the program
-    // starts, before the first line.
+    // programDir is the folder of Ardelvan.ini; the settings load from there here, as the
+    // program starts (a message about them goes to out).
     ScriptRunner(std::ostream& out, std::filesystem::path programDir);
     ScriptRunner(const ScriptRunner&) = delete;
     ScriptRunner& operator=(const ScriptRunner&) = delete;
