@@ -1,14 +1,28 @@
 # Runs one script through "ardelvantine-cli run" in a scratch folder that holds a copy of the
-# demo recording, then compares standard output with NAME.out, standard error and the exit
-# code with NAME.err (a script that must fail) and every file under NAME.files/ with the file
-# of the same name that the script wrote.
-#   cmake -DCLI=... -DSCRIPT_DIR=... -DNAME=... -DDEMO=... -DWORK=... -P run_script_test.cmake
+# demo recording (in its subfolder SUBDIR when given, beside the script), then compares
+# standard output with NAME.out, standard error and the exit code with NAME.err (a script that
+# must fail) and every file under NAME.files/ with the file of the same name that the script
+# wrote. The expected files lie in SCRIPT_DIR/NAME.* unless EXPECTED names another prefix.
+#   cmake -DCLI=... -DSCRIPT=... -DNAME=... -DDEMO=... -DWORK=... [-DSUBDIR=...]
+#         [-DEXPECTED=...] -P run_script_test.cmake
+if(NOT EXPECTED)
+  get_filename_component(SCRIPT_DIR ${SCRIPT} DIRECTORY)
+  set(EXPECTED ${SCRIPT_DIR}/${NAME})
+endif()
+if(SUBDIR)
+  set(RUN_DIR ${WORK}/${SUBDIR})
+  set(PREFIX ${SUBDIR}/)
+else()
+  set(RUN_DIR ${WORK})
+  set(PREFIX "")
+endif()
 file(REMOVE_RECURSE ${WORK})
-file(MAKE_DIRECTORY ${WORK})
-file(COPY ${DEMO} DESTINATION ${WORK})
-file(COPY ${SCRIPT_DIR}/${NAME}.script DESTINATION ${WORK})
+file(MAKE_DIRECTORY ${RUN_DIR})
+file(COPY ${DEMO} DESTINATION ${RUN_DIR})
+file(COPY ${SCRIPT} DESTINATION ${RUN_DIR})
+get_filename_component(script_name ${SCRIPT} NAME)
 
-execute_process(COMMAND ${CLI} run --program-dir . ${NAME}.script
+execute_process(COMMAND ${CLI} run --program-dir . ${PREFIX}${script_name}
                 WORKING_DIRECTORY ${WORK}
                 OUTPUT_FILE ${WORK}/stdout.txt ERROR_FILE ${WORK}/stderr.txt
                 RESULT_VARIABLE code)
@@ -24,9 +38,9 @@ function(compare expected actual)
   endif()
 endfunction()
 
-compare(${SCRIPT_DIR}/${NAME}.out ${WORK}/stdout.txt)
-if(EXISTS ${SCRIPT_DIR}/${NAME}.err)
-  compare(${SCRIPT_DIR}/${NAME}.err ${WORK}/stderr.txt)
+compare(${EXPECTED}.out ${WORK}/stdout.txt)
+if(EXISTS ${EXPECTED}.err)
+  compare(${EXPECTED}.err ${WORK}/stderr.txt)
   if(NOT code EQUAL 2)
     message(SEND_ERROR "exit code ${code}, expected 2")
   endif()
@@ -37,7 +51,7 @@ else()
   endif()
 endif()
 
-file(GLOB_RECURSE expected_files RELATIVE ${SCRIPT_DIR}/${NAME}.files ${SCRIPT_DIR}/${NAME}.files/*)
+file(GLOB_RECURSE expected_files RELATIVE ${EXPECTED}.files ${EXPECTED}.files/*)
 foreach(f IN LISTS expected_files)
-  compare(${SCRIPT_DIR}/${NAME}.files/${f} ${WORK}/${f})
+  compare(${EXPECTED}.files/${f} ${WORK}/${f})
 endforeach()
