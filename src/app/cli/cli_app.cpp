@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "app/cli/cli_dialogs.h"
+#include "app/cli/cli_run.h"
 #include "core/event_files.h"
 #include "core/event_table.h"
 #include "core/ini_file.h"
@@ -505,6 +506,9 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
                          "Settings file (default: Ardelvan.ini beside the program, whose defaults "
                          "hold when it is missing; a file named here must exist)");
 
+    RunOptions runOptions;
+    auto* run = AddRunSubcommand(app, runOptions);
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -515,6 +519,7 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
         return code == 0 ? 0 : 2;
     }
 
+    if (*run) return RunScriptCommand(runOptions, programDir, out, err);
     if (*info) return RunInfo(infoFile, infoChannel, out, err);
     if (*detect) return RunDetect(d, programDir, err);
     if (*events) return RunEvents(eventsFile, ev, out, err);

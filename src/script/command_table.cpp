@@ -1,0 +1,141 @@
+#include "script/command_table.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "core/event_commands.h"
+#include "core/open_file.h"
+#include "core/settings.h"
+#include "script/script_error.h"
+#include "view/trace_scene.h"
+
+namespace ardel {
+
+std::filesystem::path CommandContext::IniPath() const {
+    return ArdelvanIniPath(programDir);
+}
+
+void CommandTable::Add(std::string name, std::string title, unsigned flags,
+                       std::function<void(CommandContext&)> body) {
+    entries_[std::move(name)] = CommandEntry{std::move(title), flags, std::move(body)};
+}
+
+const CommandEntry* CommandTable::Find(std::string_view name) const {
+    const auto it = entries_.find(name);
+    return it == entries_.end() ? nullptr : &it->second;
+}
+
+std::vector<std::string> CommandTable::Names() const {
+    std::vector<std::string> names;
+    for (const auto& [name, entry] : entries_) names.push_back(name);
+    return names;
+}
+
+bool RunCommand(CommandContext& c, const CommandEntry& entry) {
+    Session& s = c.session;
+    bool controlsRead = false;
+    std::string failure;
+    DetectionParameters paramsBefore;
+    ProgramOptions optionsBefore;
+    // A run that broke off leaves no flag behind that would stop the next one.
+    auto clearRunFlags = [&] {
+        if (entry.flags & kLongRun) {
+            s.display.NonStopRunning = false;
+            s.display.BatchRunning = false;
+        }
+    };
+    try {
+        ReadControls(s, c.forms.main);
+        controlsRead = true;
+        paramsBefore = s.params;
+        optionsBefore = s.options;
+        entry.body(c);
+    } catch (const ScriptError&) {
+        // The script stops here; what the command did so far stays.
+        clearRunFlags();
+        throw;
+    } catch (const std::exception& e) {
+        failure = e.what();
+        if (failure.empty()) failure = "Unknown error.";
+    } catch (...) {
+        failure = "Unknown error.";
+    }
+    if (!failure.empty()) clearRunFlags();
+    if (controlsRead && (!(s.params == paramsBefore) || !(s.options == optionsBefore))) {
+        WriteParameterControls(s, c.forms.main);
+        WriteOptionControls(s, c.forms.main);
+    }
+    ShowDisplayControls(s, c.forms.main);
+    const auto after = std::exchange(c.afterCommand, nullptr);
+    if (failure.empty()) {
+        if (after) after();
+        return true;
+    }
+    c.ui.Message(kProgramName, "The command \"" + entry.title + "\" could not be completed.\n\n" +
+                                   failure);
+    return false;
+}
+
+std::string KeyHandlerName(const KeyBinding& b) {
+    switch (b.command) {
+        case KeyCommand::Navigate:
+            return "menu_Navigates(" + std::to_string(int(b.item)) + ")";
+        case KeyCommand::RejectThisEvent: return "menu_RejectThisEvent";
+        case KeyCommand::DeletEvent: return "menu_DeletEvent";
+        case KeyCommand::RecalculatePeak: return "menu_RecalculatePeak";
+        case KeyCommand::Unmark: return "menu_Unmark";
+        case KeyCommand::MarkAllWindow: return "menu_MarkAllWindow";
+        case KeyCommand::MarkAllEvents: return "menu_MarkAllEvents";
+        case KeyCommand::DoublePeak: return "menu_DoublePeak_Click";
+        case KeyCommand::AnalyseGp: return "menu_AnalyseGp";
+        case KeyCommand::Command1: return "Command1";
+        case KeyCommand::Command2: return "Command2";
+        case KeyCommand::Command3: return "Command3";
+        case KeyCommand::Command4: return "Command4";
+        default: return {};
+    }
+}
+
+void RunDisplayKey(CommandContext& c, const KeyBinding& binding) {
+    const CommandEntry entry{"Navigate", kDuringRun, [binding](CommandContext& cc) {
+                                 Session& s = cc.session;
+                                 const int channel = std::min<int>(s.recording.ChannelIndex, 15);
+                                 const float gain = s.display.DisplayGain[std::size_t(channel)];
+                                 RunViewKey(s, cc.ui, binding);
+                                 if (s.display.DisplayGain[std::size_t(channel)] != gain)
+                                     cc.forms.main.Text1 = DisplayGainText(s);
+                             }};
+    RunCommand(c, entry);
+}
+
+void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file) {
+    std::error_code ec;
+    const std::filesystem::path full = std::filesystem::absolute(file, ec);
+    ShowFolder(c.session, c.forms.main, full.parent_path());
+    const CommandEntry entry{"FListBoxFETCH", kPlainCommand, [full](CommandContext& cc) {
+                                 MainForm& f = cc.forms.main;
+                                 // The readout of the last file's pointer position means
+                                 // nothing for the next one.
+                                 f.Label4.clear();
+                                 OpenDataFile(cc.session, cc.ui, full);
+                                 f.Text1 = DisplayGainText(cc.session);
+                                 const auto& w = cc.session.recording.warnings;
+                                 if (w.empty()) return;
+                                 f.StatusText = "Opened with warnings:";
+                                 for (const std::string& line : w) f.StatusText += "  " + line;
+                             }};
+    RunCommand(c, entry);
+}
+
+void ChooseGridRow(CommandContext& c, std::int32_t row) {
+    const CommandEntry entry{"TDBGrid1", kDuringRun, [row](CommandContext& cc) {
+                                 Session& s = cc.session;
+                                 SelectEventFromGrid(s, row);
+                                 if (s.recording.FileIsOpen && s.events.EventCount() > 0)
+                                     s.events.GridCurrentRow = s.events.CurrentEvent;
+                             }};
+    RunCommand(c, entry);
+}
+
+}  // namespace ardel

@@ -1,0 +1,89 @@
+// Every handler of every form by its name ("Command1", "menu_Navigates(3)",
+// "Criteria.Command4"), run against one session, one dialogs object and the forms' controls.
+// The desktop's buttons, menu items and keys and the script runner all call through here, so
+// that each command has one path.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/session.h"
+#include "core/user_dialogs.h"
+#include "script/forms.h"
+#include "view/navigation.h"
+
+namespace ardel {
+
+// The program's name: the title of the message that reports a command that broke off.
+inline constexpr std::string_view kProgramName = "Ardelvantine";
+
+struct CommandContext {
+    Session& session;
+    UserDialogs& ui;
+    Forms& forms;
+    // The folder of Ardelvan.ini.
+    std::filesystem::path programDir;
+    // Set by "Exit" when the program is to close.
+    bool exitRequested = false;
+    // Set by a command for what it puts into the controls after they have followed the
+    // session (a box that shows an unrounded value); run once, then cleared.
+    std::function<void()> afterCommand;
+
+    std::filesystem::path IniPath() const;
+};
+
+enum CommandFlags : unsigned {
+    kPlainCommand = 0,
+    kLongRun = 1,    // loops that yield: the window stays live and shows progress
+    kDuringRun = 2,  // may run while a long run is yielding (moves, display, Interrupt)
+};
+
+struct CommandEntry {
+    std::string title;  // what the failure message calls the command
+    unsigned flags = kPlainCommand;
+    std::function<void(CommandContext&)> body;
+};
+
+class CommandTable {
+  public:
+    void Add(std::string name, std::string title, unsigned flags,
+             std::function<void(CommandContext&)> body);
+    const CommandEntry* Find(std::string_view name) const;
+    // Every name, sorted.
+    std::vector<std::string> Names() const;
+
+  private:
+    std::map<std::string, CommandEntry, std::less<>> entries_;
+};
+
+// Runs one handler as every handler runs: the main form's controls into the session, the
+// command, the controls back where the command changed parameters or options, the display
+// controls brought up to date. An unexpected exception ends the command with a message
+// titled with the program's name that names the command; the session stays usable.
+// Returns false when the command broke off so.
+bool RunCommand(CommandContext& c, const CommandEntry& entry);
+
+// The handler a key stands for in the main window: "Command1" for F9, "menu_Navigates(3)" for
+// D, "menu_Unmark" for U, ... Empty for the keys that step the display offset or gain, which
+// have no menu item (RunDisplayKey runs them), and for keys without a command.
+std::string KeyHandlerName(const KeyBinding& binding);
+// Page Up, Page Down, Home and End as the window runs them; the gain box follows the gain.
+void RunDisplayKey(CommandContext& c, const KeyBinding& binding);
+
+// The main window's handlers: the buttons, every menu item with its index as the window names
+// it, the change handlers of its boxes and the spin buttons. Criteria, event list and the
+// other forms register theirs with one call each, beside this one.
+void RegisterMainWindowCommands(CommandTable& table);
+
+// A click in the file list on a data file: the file opens (with its questions) and the gain
+// box shows the channel's gain.
+void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file);
+
+// A row chosen in the grid (1-based): the event becomes current and its screen is shown.
+void ChooseGridRow(CommandContext& c, std::int32_t row);
+
+}  // namespace ardel

@@ -1,0 +1,25 @@
+// Every form's controls as data, one struct per form. A form's controls can be used without
+// the form being open, so each struct lives as long as the session.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "script/main_form.h"
+
+namespace ardel {
+
+// The file header window (DatInfo): its caption and the rows of its grid, as the last
+// "DAT File Info" filled them.
+struct DatInfoForm {
+    std::string Caption;
+    std::vector<std::pair<std::string, std::string>> Grid1;
+};
+
+struct Forms {
+    MainForm main;
+    DatInfoForm datInfo;
+};
+
+}  // namespace ardel

@@ -1,0 +1,57 @@
+# Runs one script through "ardelvantine-cli run" in a scratch folder that holds a copy of the
+# demo recording (in its subfolder SUBDIR when given, beside the script), then compares
+# standard output with NAME.out, standard error and the exit code with NAME.err (a script that
+# must fail) and every file under NAME.files/ with the file of the same name that the script
+# wrote. The expected files lie in SCRIPT_DIR/NAME.* unless EXPECTED names another prefix.
+#   cmake -DCLI=... -DSCRIPT=... -DNAME=... -DDEMO=... -DWORK=... [-DSUBDIR=...]
+#         [-DEXPECTED=...] -P run_script_test.cmake
+if(NOT EXPECTED)
+  get_filename_component(SCRIPT_DIR ${SCRIPT} DIRECTORY)
+  set(EXPECTED ${SCRIPT_DIR}/${NAME})
+endif()
+if(SUBDIR)
+  set(RUN_DIR ${WORK}/${SUBDIR})
+  set(PREFIX ${SUBDIR}/)
+else()
+  set(RUN_DIR ${WORK})
+  set(PREFIX "")
+endif()
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${RUN_DIR})
+file(COPY ${DEMO} DESTINATION ${RUN_DIR})
+file(COPY ${SCRIPT} DESTINATION ${RUN_DIR})
+get_filename_component(script_name ${SCRIPT} NAME)
+
+execute_process(COMMAND ${CLI} run --program-dir . ${PREFIX}${script_name}
+                WORKING_DIRECTORY ${WORK}
+                OUTPUT_FILE ${WORK}/stdout.txt ERROR_FILE ${WORK}/stderr.txt
+                RESULT_VARIABLE code)
+
+set(failed FALSE)
+function(compare expected actual)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${expected} ${actual}
+                  RESULT_VARIABLE differs)
+  if(differs)
+    file(READ ${actual} text)
+    message(SEND_ERROR "${actual} differs from ${expected}; it reads:\n${text}")
+    set(failed TRUE PARENT_SCOPE)
+  endif()
+endfunction()
+
+compare(${EXPECTED}.out ${WORK}/stdout.txt)
+if(EXISTS ${EXPECTED}.err)
+  compare(${EXPECTED}.err ${WORK}/stderr.txt)
+  if(NOT code EQUAL 2)
+    message(SEND_ERROR "exit code ${code}, expected 2")
+  endif()
+else()
+  file(READ ${WORK}/stderr.txt errors)
+  if(NOT code EQUAL 0 OR NOT errors STREQUAL "")
+    message(SEND_ERROR "exit code ${code}, standard error:\n${errors}")
+  endif()
+endif()
+
+file(GLOB_RECURSE expected_files RELATIVE ${EXPECTED}.files ${EXPECTED}.files/*)
+foreach(f IN LISTS expected_files)
+  compare(${EXPECTED}.files/${f} ${WORK}/${f})
+endforeach()
