@@ -237,18 +237,17 @@ void TraceAxisView::paintEvent(QPaintEvent*) {
     const double points = std::max(1, session_.recording.ScreenPoints());
     if (time) {
         painter.drawLine(origin.x(), 0, origin.x() + int(length), 0);
-        for (const AxisTick& t : axis.ticks) {
+        for (std::size_t k = 0; k < axis.ticks.size(); ++k) {
+            const AxisTick& t = axis.ticks[k];
             const double x = origin.x() + t.position * length / points;
             painter.drawLine(QPointF(x, 0), QPointF(x, kTickLength));
-            const QString text = QString::fromStdString(t.label);
+            // The unit goes with the last label, clear of the amplitude axis on the left.
+            QString text = QString::fromStdString(t.label);
+            if (k + 1 == axis.ticks.size()) text += " " + QString::fromStdString(axis.unit);
             const double w = fm.horizontalAdvance(text);
-            painter.drawText(QPointF(std::clamp(x - w / 2, 0.0, width() - w), kTickLength + fm.ascent()),
-                             text);
+            painter.drawText(
+                QPointF(std::clamp(x - w / 2, 0.0, width() - w), kTickLength + fm.ascent()), text);
         }
-        const QString unit = QString::fromStdString(axis.unit);
-        painter.drawText(QPointF(std::max(0.0, origin.x() - fm.horizontalAdvance(unit) - 4),
-                                 kTickLength + fm.ascent()),
-                         unit);
     } else {
         const int edge = width() - 1;
         painter.drawLine(edge, origin.y(), edge, origin.y() + int(length));
