@@ -40,7 +40,7 @@ void SelectEventFromGrid(Session& s, double row) {
 }
 
 bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui) {
-    if (s.events.EventCount() == 0 || s.events.EventsSaved) return true;
+    if (!s.events.HasUnsavedChanges()) return true;
     const Answer a = ui.Ask("Save Previous Event Data",
                             "There are " + CStr(s.events.EventCount()) + " events analysed for " +
                                 s.Label11 + ".  Do you want to save the event data?",
@@ -48,6 +48,30 @@ bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui) {
     if (a == Answer::No) return true;
     if (a == Answer::Yes) return menu_SaveEvent(s, ui);
     return false;
+}
+
+bool QueryUnsavedEventsBeforeOpen(Session& s, UserDialogs& ui) {
+    if (!s.events.EventsSaved) return true;  // the open asks itself
+    return QueryUnsavedEventsOnExit(s, ui);
+}
+
+std::int32_t AgreeGridRow(EventTable& t, GridAgreement& last) {
+    const std::int32_t count = t.EventCount();
+    if (t.CurrentEvent != last.currentEvent) {
+        t.GridCurrentRow = t.CurrentEvent;
+    } else if (t.GridCurrentRow != last.gridRow && t.GridCurrentRow >= 1 &&
+               t.GridCurrentRow <= count) {
+        t.CurrentEvent = t.GridCurrentRow;
+    }
+    const std::int32_t row = t.CurrentEvent >= 1 && t.CurrentEvent <= count ? t.CurrentEvent : 0;
+    t.GridCurrentRow = row;
+    last = {t.CurrentEvent, t.GridCurrentRow};
+    return row;
+}
+
+void RedrawSelection(Session& s) {
+    Display(s);
+    PlotSelected(s);
 }
 
 bool ClampSelectedEvent(Session& s) {

@@ -22,6 +22,24 @@ double ScreenBlockForEvent(const Session& s, std::int32_t n);
 // another file does. Returns false when the program should stay open (Cancel, or a save that
 // did not happen), so that no analysis is lost by closing the window.
 bool QueryUnsavedEventsOnExit(Session& s, UserDialogs& ui);
+// Before another recording is opened over the table. Opening asks by itself while EventsSaved
+// is clear; a table changed after it was saved (a rejection in place leaves the flag set) is
+// asked about here, with the same question. False when the open is not to go on.
+bool QueryUnsavedEventsBeforeOpen(Session& s, UserDialogs& ui);
+
+// The grid's current row and CurrentEvent name the same event after every command. `last`
+// holds both as they were agreed the time before. A command that moved CurrentEvent takes
+// the grid's row with it; one that moved only the grid's row (a scan that ends on the new
+// last event) makes that row the selected event, as a row change in the grid does. Returns
+// the agreed row, 0 when no event is selected.
+struct GridAgreement {
+    std::int32_t currentEvent = 0;
+    std::int32_t gridRow = 0;
+};
+std::int32_t AgreeGridRow(EventTable& t, GridAgreement& last);
+
+// After an event is deleted its marks must leave the picture, and the new selection is marked.
+void RedrawSelection(Session& s);
 
 // Commands on the selected event need an open recording and at least one event. Clamps
 // CurrentEvent into the table and tells whether the command can go on.

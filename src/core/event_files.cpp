@@ -203,7 +203,7 @@ void ApplyEventFile(Session& s, UserDialogs& ui, EventFileContents&& c,
                           Buttons::YesNo);
         if (a == Answer::Yes) menu_SaveEvent(s, ui);
     }
-    s.events.EventsSaved = true;
+    s.events.MarkSaved();
 }
 
 }  // namespace
@@ -402,7 +402,7 @@ bool menu_SaveEvent(Session& s, UserDialogs& ui) {
                                        std::span<const EventRecord>(&s.events[1], std::size_t(n)));
     if (!WriteFileAsSaved(path, bytes, existed)) return false;
 
-    s.events.EventsSaved = true;
+    s.events.MarkSaved();
     Display(s);
     return true;
 }

@@ -26,6 +26,63 @@ void EventTable::Resize(std::int32_t n) {
     count_ = n;
 }
 
+namespace {
+
+// FNV-1a over the bytes of each field; the records have padding, so they are not hashed whole.
+class Digest {
+  public:
+    template <class T>
+    void Add(const T& value) {
+        const auto* p = reinterpret_cast<const unsigned char*>(&value);
+        for (std::size_t i = 0; i < sizeof(T); ++i) h_ = (h_ ^ p[i]) * 1099511628211ull;
+    }
+    std::uint64_t Value() const { return h_; }
+
+  private:
+    std::uint64_t h_ = 14695981039346656037ull;
+};
+
+}  // namespace
+
+std::uint64_t EventTable::Fingerprint() const {
+    Digest d;
+    d.Add(count_);
+    for (std::int32_t n = 1; n <= count_; ++n) {
+        const EventRecord& e = slots_[std::size_t(n)];
+        d.Add(e.Time);
+        d.Add(e.Amplitude);
+        d.Add(e.Noise);
+        d.Add(e.Rise);
+        d.Add(e.Decay);
+        d.Add(e.Baseline);
+        d.Add(e.Area);
+        d.Add(e.GroupNumber);
+        d.Add(e.Channel);
+        d.Add(e.BaselineLead);
+        d.Add(e.Rise1090);
+        d.Add(e.HalfWidth);
+        d.Add(e.Rise50);
+        d.Add(e.PeakDirection);
+        d.Add(e.BurstNumber);
+        d.Add(e.BurstEventNumber);
+        d.Add(e.Slope1090);
+        d.Add(e.EventText);
+        d.Add(e.RelativeTime);
+        d.Add(e.PeakPoint);
+    }
+    return d.Value();
+}
+
+void EventTable::MarkSaved() {
+    EventsSaved = true;
+    savedFingerprint_ = Fingerprint();
+}
+
+bool EventTable::HasUnsavedChanges() const {
+    if (count_ == 0) return false;
+    return !EventsSaved || Fingerprint() != savedFingerprint_;
+}
+
 void UpdateTDBGrid(EventTable& table) {
     ++table.GridVersion;
     table.EventsSaved = false;

@@ -67,7 +67,18 @@ public:
     std::size_t SlotCount() const { return slots_.size(); }
 
     std::int32_t CurrentEvent = 0;
+    // The old flag: cleared by every rebind of the grid, set by saving and loading. Some edits
+    // (a rejection in place) never clear it, so the question about unsaved events asks
+    // HasUnsavedChanges() instead.
     bool EventsSaved = false;
+
+    // Sets EventsSaved and remembers what the table holds, so that any later change to it,
+    // whichever command made it, counts as unsaved.
+    void MarkSaved();
+    // True when the table holds events that differ from what was last saved or loaded.
+    bool HasUnsavedChanges() const;
+    // A digest of the count and of every field of records 1..EventCount.
+    std::uint64_t Fingerprint() const;
 
     // What the grid shows: the row that the last command made current (0: none), and a
     // counter of rebinds so that a view can tell that it must refresh.
@@ -77,6 +88,7 @@ public:
 private:
     std::vector<EventRecord> slots_;
     std::int32_t count_ = 0;
+    std::uint64_t savedFingerprint_ = 0;
 };
 
 // Tells the grid the new row count and clears EventsSaved.

@@ -142,7 +142,13 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
     r.header = header;
 
     if (!header.HasAbfSignature()) {
-        ui.Message("Not ABF File", "This is not an Axon Binary File.  Try another file.");
+        // The newer format is a recording all the same: say why it cannot be read.
+        if (std::string_view(header.lFileSignature.data(), 4) == "ABF2")
+            ui.Message("Not ABF File",
+                       "This is an ABF 2 file.  Ardelvantine reads ABF 1.x files only (header "
+                       "\"ABF \").  Please save the recording as ABF 1.8 and try again.");
+        else
+            ui.Message("Not ABF File", "This is not an Axon Binary File.  Try another file.");
         r.FileIsOpen = false;
         return false;
     }

@@ -1,11 +1,13 @@
 #include "detect/batch_analysis.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <system_error>
 
 #include "core/event_commands.h"
 #include "core/event_files.h"
+#include "core/forwarding_dialogs.h"
 #include "core/number_text.h"
 #include "core/open_file.h"
 #include "core/recording.h"
@@ -19,33 +21,10 @@ constexpr std::size_t kMaxBatchFiles = 101;
 
 // Passes everything to the user but answers the reset question itself: the batch resets the
 // table after every file and must not wait for a button between two files.
-class ResetConfirmed final : public UserDialogs {
+class ResetConfirmed final : public ForwardingDialogs {
   public:
-    explicit ResetConfirmed(UserDialogs& inner) : inner_(inner) {}
-    void Message(std::string_view title, std::string_view text) override {
-        inner_.Message(title, text);
-    }
+    using ForwardingDialogs::ForwardingDialogs;
     Answer Ask(std::string_view, std::string_view, Buttons, Answer) override { return Answer::OK; }
-    std::optional<std::string> Input(std::string_view title, std::string_view prompt,
-                                     std::string_view defaultText) override {
-        return inner_.Input(title, prompt, defaultText);
-    }
-    std::optional<std::filesystem::path> SaveFileName(const FileDialogSpec& spec) override {
-        return inner_.SaveFileName(spec);
-    }
-    std::optional<std::filesystem::path> OpenFileName(const FileDialogSpec& spec) override {
-        return inner_.OpenFileName(spec);
-    }
-    std::vector<std::filesystem::path> OpenFileNames(const FileDialogSpec& spec) override {
-        return inner_.OpenFileNames(spec);
-    }
-    std::string ClipboardText() override { return inner_.ClipboardText(); }
-    void SetClipboardText(std::string_view text) override { inner_.SetClipboardText(text); }
-    void Beep() override { inner_.Beep(); }
-    void Yield() override { inner_.Yield(); }
-
-  private:
-    UserDialogs& inner_;
 };
 
 // Why a header cannot be analysed with the active channel; empty when it can.
@@ -103,9 +82,37 @@ float BatchChannelGain(const AbfHeader& h, int adc) {
                  double(h.fSignalGain[a]) * double(h.fAutosampleAdditGain));
 }
 
+std::filesystem::path BatchEventFileFor(const std::filesystem::path& dataFile) {
+    const std::string name = dataFile.filename().string();
+    return dataFile.parent_path() / (name.substr(0, name.find('.')) + ".EVT");
+}
+
+std::vector<EventFileClash> BatchEventFileClashes(const std::vector<std::filesystem::path>& files) {
+    std::vector<EventFileClash> groups;
+    for (const auto& file : files) {
+        const auto target = BatchEventFileFor(file).lexically_normal();
+        auto it = std::find_if(groups.begin(), groups.end(),
+                               [&](const EventFileClash& g) { return g.eventFile == target; });
+        if (it == groups.end()) {
+            groups.push_back({target, {file}});
+        } else if (std::find(it->dataFiles.begin(), it->dataFiles.end(), file) ==
+                   it->dataFiles.end()) {
+            it->dataFiles.push_back(file);
+        }
+    }
+    std::erase_if(groups, [](const EventFileClash& g) { return g.dataFiles.size() < 2; });
+    return groups;
+}
+
 BatchReport RunBatch(Session& s, UserDialogs& ui, const std::vector<std::filesystem::path>& files) {
     BatchReport report;
     Recording& r = s.recording;
+    // A batch never mixes tables: events left from before would be saved into the first
+    // file's event file as if it had produced them.
+    if (s.events.EventCount() > 0) {
+        s.events.SetCount(0);
+        UpdateTDBGrid(s.events);
+    }
     s.display.BatchRunning = true;
     for (const auto& file : files) {
         BatchFileOutcome& out = report.files.emplace_back();
@@ -176,6 +183,20 @@ BatchReport menu_batch(Session& s, UserDialogs& ui) {
     auto files = BatchFileList(result);
     // Too many names overflowed the old list and ended the command before any file was read.
     if (!files) return {};
+    if (const auto clashes = BatchEventFileClashes(*files); !clashes.empty()) {
+        std::string text =
+            "These files would write the same event file, so that the later file's events "
+            "would replace the earlier's:\n";
+        for (const auto& c : clashes) {
+            text += "\n" + c.eventFile.filename().string() + ":";
+            for (std::size_t k = 0; k < c.dataFiles.size(); ++k)
+                text += (k ? ", " : " ") + c.dataFiles[k].filename().string();
+        }
+        text += "\n\nAnalyse them all the same?";
+        if (ui.Ask("Batch Analysis", text, Buttons::OKCancel, Answer::Cancel) != Answer::OK)
+            return {};
+    }
+    if (!QueryUnsavedEventsOnExit(s, ui)) return {};
     return RunBatch(s, ui, *files);
 }
 

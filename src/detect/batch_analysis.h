@@ -52,7 +52,18 @@ std::int32_t BatchTotalBlocks(const AbfHeader& h);
 // autosample gain included whatever the autosample and telegraph fields say.
 float BatchChannelGain(const AbfHeader& h, int adc);
 
-// The per-file sequence over full paths: header, TotalBlocks, ScreenBlock, gain and offset,
+// The event file a batch run writes for a data file: its name up to the first "." plus
+// ".EVT", in the data file's folder.
+std::filesystem::path BatchEventFileFor(const std::filesystem::path& dataFile);
+// Files of the list that would write the same event file, grouped by that file, in the order
+// of the list; the later file's events would replace the earlier's.
+struct EventFileClash {
+    std::filesystem::path eventFile;
+    std::vector<std::filesystem::path> dataFiles;
+};
+std::vector<EventFileClash> BatchEventFileClashes(const std::vector<std::filesystem::path>& files);
+
+// Every file starts from an empty table. The per-file sequence over full paths: header, TotalBlocks, ScreenBlock, gain and offset,
 // Display, a yield, Command1, Command3, menu_SaveEvent without a dialog, Command5. Sets
 // BatchRunning for the run and clears it at the end; an Interrupt (Command4) during a yield
 // lets the running file finish at its next screen and be saved, and passes over the rest.
@@ -62,7 +73,10 @@ float BatchChannelGain(const AbfHeader& h, int adc);
 BatchReport RunBatch(Session& s, UserDialogs& ui, const std::vector<std::filesystem::path>& files);
 
 // "&Batch Analysis": the multiple-choice file dialog in the current folder, then RunBatch over
-// the list. Nothing happens when the dialog is cancelled.
+// the list. Nothing happens when the dialog is cancelled. Before the run, files that would
+// write the same event file are named and the user may cancel; events in the table are
+// offered for saving as closing the window does (Cancel ends the batch), so that no file's
+// event file ever holds another file's events.
 BatchReport menu_batch(Session& s, UserDialogs& ui);
 
 }  // namespace ardel

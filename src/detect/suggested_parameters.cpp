@@ -22,7 +22,12 @@ std::optional<DetectionFrameTexts> menu_SuggParam(
     const std::function<void(const DetectionFrameTexts&)>& showTexts) {
     if (!s.recording.FileIsOpen || index < 1 || index > 3) return std::nullopt;
     // Events measured with the old parameters must not stand beside new ones.
-    if (s.events.EventCount() > 0) Command5(s, ui);
+    if (s.events.EventCount() > 0) {
+        Command5(s, ui);
+        // Without the reset the old events would stand beside the new parameters: the preset
+        // is not applied at all.
+        if (s.events.EventCount() > 0) return std::nullopt;
+    }
 
     struct Preset {
         float threshold;
@@ -112,7 +117,9 @@ std::optional<RmsNoiseResult> menu_RMSNoise(Session& s, UserDialogs& ui,
     s.params.ThresholdAmplitude = float(threshold);
     s.params.AreaThreshold = float(threshold);
     result.threshold = threshold;
-    result.thresholdText = CStr(threshold);
+    // The boxes show the stored single as the program writes numbers, not 16 digits of the
+    // double.
+    result.thresholdText = CStr(float(threshold));
     return result;
 }
 

@@ -28,7 +28,8 @@ DetectionFrameTexts DetectionTexts(const DetectionParameters& p);
 
 // "Suggest Analysis Parameters" preset 1, 2 or 3. Resets the events first (with Command5's
 // question) when there are any, sets the parameters, and tells the user to readjust them.
-// nullopt without an open file or for another index. showTexts, when given, puts the new
+// nullopt without an open file, for another index, or when the reset question was not
+// answered with a reset: then nothing changes. showTexts, when given, puts the new
 // values into the frame before the message comes up, so that the user reads them beside it.
 std::optional<DetectionFrameTexts> menu_SuggParam(
     Session& s, UserDialogs& ui, int index,

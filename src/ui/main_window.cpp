@@ -23,7 +23,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QScrollBar>
+#include <QUrl>
+#include <QFileInfo>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -56,10 +62,14 @@
 #include "ui/qt_user_dialogs.h"
 #include "ui/trace_view.h"
 #include "view/trace_scene.h"
+#include "ui/main/recent_files.h"
+#include "ui/main/window_helpers.h"
+#include "view/trace_axes.h"
 
 namespace ardel {
 
 namespace fs = std::filesystem;
+using namespace mainwindow;
 
 namespace {
 
@@ -71,36 +81,8 @@ constexpr const char* kText4Keys[7] = {
     "ThresholdAmplitude!", "PeriodToSearchMax&",     "PeriodStartBaseline&", "PeriodFindDecayTime&",
     "DecayPercent!",       "PeriodBaselineAverage&", "AreaThreshold!",
 };
-constexpr const char* kText4Labels[7] = {
-    "Threshold :",
-    "Period to search a local maximum (us)",
-    "Time before a peak for baseline (us)",
-    "Period to search a decay time (us)",
-    "Fraction of peak to find a decay time",
-    "Period to average a baseline (us)",
-    "Area Threshold:",
-};
 
-// While a long run goes on, the picture and the grid follow at most this often.
-constexpr int kRunRepaintMs = 40;
-// The selected event blinks at this pace.
-constexpr int kBlinkMs = 300;
-// Slider1's travel: two picture heights each way, which covers every offset a lock of the
-// baseline gives at the usual gains.
-constexpr int kOffsetRange = 2 * 65536;
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-std::string S(const QString& s) {
-    return s.toStdString();
-}
-
-// Menu captions show "&" as a mnemonic; a literal one is doubled.
-QString MenuText(std::string_view s) {
-    return QString::fromUtf8(s.data(), qsizetype(s.size())).replace("&", "&&");
-}
 
 Key KeyOfQt(int k) {
     if (k >= Qt::Key_A && k <= Qt::Key_Z) return KeyFromChar(char('A' + (k - Qt::Key_A)));
@@ -154,24 +136,6 @@ bool OwnsLetterKeys(const QWidget* w) {
     return false;
 }
 
-QComboBox* EditableCombo(const char* name, const QStringList& items) {
-    auto* c = new QComboBox;
-    c->setObjectName(name);
-    c->setEditable(true);
-    c->addItems(items);
-    c->setInsertPolicy(QComboBox::NoInsert);
-    return c;
-}
-
-QCheckBox* CheckBox(const char* name, const QString& caption) {
-    auto* c = new QCheckBox(caption);
-    c->setObjectName(name);
-    return c;
-}
-
-void SetComboText(QComboBox* c, const std::string& text) {
-    c->setCurrentText(Q(text));
-}
 
 }  // namespace
 
@@ -198,8 +162,11 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
     session_.onLabel4 = [this](Session&, std::string_view text) {
         label4_->setText(QString::fromUtf8(text.data(), qsizetype(text.size())));
     };
-    // Display filters the freshly loaded screens whenever the filter box is checked.
-    InstallDigitalFilter(session_, *ui_);
+    // Display filters the freshly loaded screens whenever the filter box is checked. It runs
+    // on every redraw, so its warning about the cut-off comes once per command.
+    filterMessages_ = std::make_unique<OncePerCommandMessages>(*ui_);
+    InstallDigitalFilter(session_, *filterMessages_);
+    setAcceptDrops(true);
     picture_->SetCursors(&cursors_);
     qApp->installEventFilter(this);
 
@@ -214,459 +181,6 @@ Ardelvantine::~Ardelvantine() {
     session_.onLabel4 = nullptr;
 }
 
-QAction* Ardelvantine::AddAction(QMenu* menu, const char* name, const QString& caption,
-                                 const std::function<void()>& handler) {
-    auto* a = new QAction(caption, this);
-    a->setObjectName(name);
-    connect(a, &QAction::triggered, this, [handler] { handler(); });
-    menu->addAction(a);
-    return a;
-}
-
-void Ardelvantine::BuildUi() {
-    auto* left = new QWidget;
-    auto* leftLayout = new QVBoxLayout(left);
-    leftLayout->setContentsMargins(4, 4, 4, 4);
-    leftLayout->addWidget(BuildFilePanel(), 1);
-
-    tabs_ = new QTabWidget;
-    tabs_->setObjectName("SSTab1");
-    tabs_->addTab(BuildAnalysisPanel(), "Analysis");
-    tabs_->addTab(BuildOptionsPanel(), "Options");
-    leftLayout->addWidget(tabs_);
-
-    gridModel_ = new EventGridModel(session_, this);
-    grid_ = new QTableView;
-    grid_->setObjectName("TDBGrid1");
-    grid_->setModel(gridModel_);
-    grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    grid_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid_->verticalHeader()->setVisible(false);
-    grid_->verticalHeader()->setDefaultSectionSize(grid_->fontMetrics().height() + 4);
-    // Wide enough for a seven-digit value such as -0.9765625 without eliding it.
-    grid_->horizontalHeader()->setDefaultSectionSize(
-        grid_->fontMetrics().horizontalAdvance("-0.00000000") + 14);
-    grid_->setContextMenuPolicy(Qt::CustomContextMenu);
-    menuEvents_ = new QMenu(this);
-    menuEvents_->setObjectName("menu_events");
-    connect(grid_, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& pos) { menuEvents_->popup(grid_->viewport()->mapToGlobal(pos)); });
-    connect(grid_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex& current, const QModelIndex&) {
-                // Mouse clicks are taken on release, so that a click on the current row acts
-                // too; here only the keyboard's moves.
-                if (syncingGrid_ || gridPressing_ || !current.isValid()) return;
-                GridRowChosen(current.row());
-            });
-    connect(grid_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this] { GridSelectionChanged(); });
-
-    auto* right = new QSplitter(Qt::Vertical);
-    right->addWidget(BuildTracePanel());
-    right->addWidget(grid_);
-    right->setStretchFactor(0, 3);
-    right->setStretchFactor(1, 1);
-
-    auto* split = new QSplitter(Qt::Horizontal);
-    split->addWidget(left);
-    split->addWidget(right);
-    split->setStretchFactor(0, 0);
-    split->setStretchFactor(1, 1);
-    setCentralWidget(split);
-
-    statusText_ = new QLabel;
-    statusText_->setObjectName("StatusText");
-    progress_ = new QProgressBar;
-    progress_->setObjectName("ProgressBar");
-    progress_->setRange(0, 100);
-    progress_->setMaximumWidth(200);
-    progress_->hide();
-    statusBar()->addWidget(statusText_, 1);
-    statusBar()->addPermanentWidget(progress_);
-
-    timer1_ = new QTimer(this);
-    timer1_->setObjectName("Timer1");
-    timer1_->setInterval(kBlinkMs);
-    connect(timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
-    timer2_ = new QTimer(this);
-    timer2_->setObjectName("Timer2");
-    connect(timer2_, &QTimer::timeout, this, [this] { Timer2_Timer(); });
-    refreshTimer_ = new QTimer(this);
-    refreshTimer_->setSingleShot(true);
-    connect(refreshTimer_, &QTimer::timeout, this, [this] {
-        lastRepaint_.restart();
-        RefreshDisplayControls();
-        RefreshProgress();
-        SyncGrid();
-        picture_->update();
-    });
-
-    // The usual size, but never more than a small or strongly scaled screen has room for.
-    QSize size(1280, 820);
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        const QSize room = screen->availableGeometry().size();
-        size = size.boundedTo(QSize(room.width() * 95 / 100, room.height() * 90 / 100));
-    }
-    resize(size);
-}
-
-QWidget* Ardelvantine::BuildFilePanel() {
-    auto* w = new QWidget;
-    auto* layout = new QVBoxLayout(w);
-    layout->setContentsMargins(0, 0, 0, 0);
-
-    // The folder box and the folders in the list stand in for the drive and folder lists.
-    folderBox_ = new QLineEdit;
-    folderBox_->setObjectName("DirListBoxFETCH");
-    folderBox_->setToolTip("Folder shown in the file list; type a folder and press Enter");
-    connect(folderBox_, &QLineEdit::returnPressed, this,
-            [this] { ShowFolder(fs::path(S(folderBox_->text()))); });
-    layout->addWidget(folderBox_);
-
-    fileList_ = new QListWidget;
-    fileList_->setObjectName("FListBoxFETCH");
-    fileList_->setToolTip("Click a data file to open it; click a folder to enter it");
-    connect(fileList_, &QListWidget::itemClicked, this,
-            [this](QListWidgetItem* item) { FListBoxFETCH_Click(item); });
-    connect(fileList_, &QListWidget::itemActivated, this,
-            [this](QListWidgetItem* item) { FListBoxFETCH_Click(item); });
-    layout->addWidget(fileList_, 1);
-
-    label11_ = new QLabel;
-    label11_->setObjectName("Label11");
-    label11_->setFrameShape(QFrame::Panel);
-    label11_->setFrameShadow(QFrame::Sunken);
-    label11_->setToolTip("Open file; click for the file header");
-    label11_->setCursor(Qt::PointingHandCursor);
-    layout->addWidget(label11_);
-    return w;
-}
-
-QWidget* Ardelvantine::BuildTracePanel() {
-    auto* w = new QWidget;
-    auto* grid = new QGridLayout(w);
-    grid->setContentsMargins(2, 2, 2, 2);
-    grid->setSpacing(2);
-
-    picture_ = new TraceView(session_);
-    picture_->setObjectName("Picture1");
-    connect(picture_, &TraceView::MouseMoved, this,
-            [this](double x, double y, Qt::MouseButtons, int) { Picture1_MouseMove(x, y); });
-    connect(
-        picture_, &TraceView::MousePressed, this,
-        [this](Qt::MouseButton b, int m, double x, double y) { Picture1_MouseDown(b, m, x, y); });
-    connect(picture_, &TraceView::MouseReleased, this,
-            [this](Qt::MouseButton b, int m, double x, double y) { Picture1_MouseUp(b, m, x, y); });
-
-    slider1_ = new QSlider(Qt::Vertical);
-    slider1_->setObjectName("Slider1");
-    slider1_->setRange(-kOffsetRange, kOffsetRange);
-    slider1_->setSingleStep(256);
-    slider1_->setPageStep(kDisplayOffsetStep);
-    slider1_->setToolTip("Display offset of the active channel");
-    connect(slider1_, &QSlider::valueChanged, this, [this](int v) {
-        Run("Slider1", kDuringRun, [this, v] { SetDisplayOffset(session_, v); });
-    });
-
-    slider2_ = new QSlider(Qt::Horizontal);
-    slider2_->setObjectName("Slider2");
-    slider2_->setRange(0, 1);
-    slider2_->setToolTip("Position of the screen in the recording");
-    connect(slider2_, &QSlider::valueChanged, this, [this](int v) {
-        Run("Slider2", kDuringRun, [this, v] { SetScreenFromSlider(session_, v); });
-    });
-
-    grid->addWidget(slider1_, 0, 0);
-    grid->addWidget(picture_, 0, 1);
-    grid->addWidget(slider2_, 1, 1);
-    grid->setRowStretch(0, 1);
-    grid->setColumnStretch(1, 1);
-
-    auto* row = new QHBoxLayout;
-    auto* readouts = new QHBoxLayout;
-    label4_ = new QLabel;
-    label4_->setObjectName("Label4");
-    label4_->setMinimumWidth(220);
-    readouts->addWidget(label4_);
-    ckCursors_ = CheckBox("ckCursors", "Cursors");
-    connect(ckCursors_, &QCheckBox::clicked, this, [this](bool on) { ckCursors_Click(on); });
-    readouts->addWidget(ckCursors_);
-    lbCursor_ = new QLabel;
-    lbCursor_->setObjectName("lbCursor");
-    readouts->addWidget(lbCursor_, 1);
-    row->addLayout(readouts, 1);
-
-    // A box with an up/down pair beside it, as the old spin buttons were.
-    auto boxWithSpin = [&](const char* boxName, const char* spinName, const QString& caption,
-                           QLineEdit*& box, const std::function<void(int)>& step) {
-        row->addWidget(new QLabel(caption));
-        box = new QLineEdit;
-        box->setObjectName(boxName);
-        box->setMaximumWidth(70);
-        row->addWidget(box);
-        auto* spin = new QWidget;
-        spin->setObjectName(spinName);
-        auto* v = new QVBoxLayout(spin);
-        v->setContentsMargins(0, 0, 0, 0);
-        v->setSpacing(0);
-        for (int dir : {+1, -1}) {
-            auto* b = new QToolButton;
-            b->setObjectName(QString(spinName) + (dir > 0 ? "Up" : "Down"));
-            b->setArrowType(dir > 0 ? Qt::UpArrow : Qt::DownArrow);
-            b->setFixedSize(18, 11);
-            b->setAutoRepeat(true);
-            connect(b, &QToolButton::clicked, this, [step, dir] { step(dir); });
-            v->addWidget(b);
-        }
-        row->addWidget(spin);
-    };
-    boxWithSpin("Text1", "Spin1", "Gain", text1_, [this](int dir) {
-        Run("Spin1", kDuringRun, [this, dir] {
-            StepDisplayGain(session_, dir);
-            text1_->setText(Q(DisplayGainText(session_)));
-        });
-    });
-    boxWithSpin("Text3", "Spin3", "Blocks/Screen", text3_, [this](int dir) {
-        Run("Spin3", kPlain, [this, dir] {
-            StepBlocksPerScreen(session_, dir);
-            text3_->setText(Q(BlocksPerScreenText(session_)));
-        });
-    });
-    text1_->setToolTip("Display gain of the active channel (0.001 to 1000)");
-    text3_->setToolTip("Blocks of 256 points per screen (1 to 32767)");
-    connect(text1_, &QLineEdit::editingFinished, this, [this] {
-        if (!text1_->isModified()) return;
-        text1_->setModified(false);
-        Run("Text1", kDuringRun,
-            [this] { text1_->setText(Q(SetDisplayGainText(session_, S(text1_->text())))); });
-    });
-    connect(text3_, &QLineEdit::editingFinished, this, [this] {
-        if (!text3_->isModified()) return;
-        text3_->setModified(false);
-        Run("Text3", kPlain,
-            [this] { text3_->setText(Q(SetBlocksPerScreenText(session_, S(text3_->text())))); });
-    });
-
-    row->addWidget(new QLabel("Channel"));
-    combo3_ = new QComboBox;
-    combo3_->setObjectName("Combo3");
-    combo3_->setToolTip("Active channel");
-    connect(combo3_, &QComboBox::activated, this, [this](int index) {
-        Run("Combo3", kPlain, [this, index] {
-            SelectChannel(session_, index);
-            text1_->setText(Q(DisplayGainText(session_)));
-        });
-    });
-    row->addWidget(combo3_);
-    grid->addLayout(row, 2, 0, 1, 2);
-    return w;
-}
-
-QWidget* Ardelvantine::BuildAnalysisPanel() {
-    auto* w = new QWidget;
-    auto* layout = new QVBoxLayout(w);
-    layout->setContentsMargins(4, 4, 4, 4);
-
-    auto* frame = new QGroupBox("Detection Parameters");
-    frame->setObjectName("Frame1");
-    auto* form = new QFormLayout(frame);
-    form->setLabelAlignment(Qt::AlignLeft);
-    for (int i = 0; i < 7; ++i) {
-        text4_[i] = new QLineEdit;
-        text4_[i]->setObjectName(QString("Text4(%1)").arg(i));
-        text4_[i]->setMaximumWidth(90);
-        form->addRow(kText4Labels[i], text4_[i]);
-    }
-    combo1_ = new QComboBox;
-    combo1_->setObjectName("Combo1");
-    combo1_->addItem("Negative", -1);
-    combo1_->addItem("Positive", 1);
-    form->addRow("Direction of Peak", combo1_);
-    combo2_ = EditableCombo("Combo2", {"1", "3", "5", "7", "9", "11"});
-    combo2_->setMaximumWidth(90);
-    form->addRow("Number of points to average for peak", combo2_);
-    ckComplexPeak_ = CheckBox("ckComplexPeak", "Detect complex peak");
-    form->addRow(ckComplexPeak_);
-    layout->addWidget(frame);
-
-    auto button = [&](int n, const QString& caption, const std::function<void()>& handler) {
-        auto* b = new QPushButton(caption);
-        b->setObjectName(QString("Command%1").arg(n));
-        b->setFocusPolicy(Qt::TabFocus);
-        connect(b, &QPushButton::clicked, this, [handler] { handler(); });
-        command_[n] = b;
-        return b;
-    };
-    auto* buttons = new QGridLayout;
-    buttons->addWidget(button(1, "&Analyse this window (F9)", [this] { Command1_Click(); }), 0, 0);
-    buttons->addWidget(button(2, "Analyse &next window (F10)", [this] { Command2_Click(); }), 0, 1);
-    buttons->addWidget(button(3, "Non&stop Analys. (F11)", [this] { Command3_Click(); }), 1, 0);
-    buttons->addWidget(button(4, "&Interrupt (F12)", [this] { Command4_Click(); }), 1, 1);
-    buttons->addWidget(button(5, "Reset Events", [this] { Command5_Click(); }), 2, 0);
-    buttons->addWidget(button(6, "&Save Settings", [this] { Command6_Click(); }), 2, 1);
-    command_[3]->setToolTip("Continuous analysis starting from next window");
-    command_[6]->setToolTip("Save settings in Ardelvan.ini");
-    layout->addLayout(buttons);
-    layout->addStretch(1);
-    return w;
-}
-
-QWidget* Ardelvantine::BuildOptionsPanel() {
-    auto* w = new QWidget;
-    auto* layout = new QVBoxLayout(w);
-    layout->setContentsMargins(4, 4, 4, 4);
-
-    auto* frame = new QGroupBox("Options");
-    frame->setObjectName("Frame3");
-    auto* form = new QFormLayout(frame);
-    ckSoundOn_ = CheckBox("ckSoundOn", "Sound On");
-    ckTooltips_ = CheckBox("ckTooltips", "Display tool-tips");
-    ckLockBase_ = CheckBox("ckLockBase", "Lock baseline");
-    ckDisplayTrace_ = CheckBox("ckDisplayTrace", "Display trace during non-stop");
-    cbFraction_ = EditableCombo("cbFraction", {"0.1", "0.25", "0.5", "0.75", "0.9"});
-    cbGpNav_ = EditableCombo("cbGpNav", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"});
-    cbInterval_ = EditableCombo("cbInterval", {"100", "500", "1000", "5000", "10000", "60000"});
-    form->addRow(ckSoundOn_);
-    form->addRow(ckTooltips_);
-    form->addRow(ckLockBase_);
-    form->addRow("Fraction to lock", cbFraction_);
-    form->addRow(ckDisplayTrace_);
-    form->addRow("Group # for \"1234\" navigate keys", cbGpNav_);
-    form->addRow("Time interval (ms) for CTL-T navigate key", cbInterval_);
-    layout->addWidget(frame);
-    connect(ckTooltips_, &QCheckBox::clicked, this, [this](bool on) { ParkToolTips(!on); });
-
-    auto* filter = new QGroupBox("Digital Filter Settings");
-    filter->setObjectName("Frame4");
-    auto* filterForm = new QFormLayout(filter);
-    check1_ = CheckBox("Check1", "Filter");
-    combo4_ = new QComboBox;
-    combo4_->setObjectName("Combo4");
-    for (const char* t : kFilterTypeCaptions) combo4_->addItem(t);
-    combo5_ = EditableCombo("Combo5", {"100", "200", "500", "1000", "2000", "5000"});
-    filterForm->addRow(check1_);
-    filterForm->addRow("Type:", combo4_);
-    filterForm->addRow("Cut-off Freq (Hz)", combo5_);
-    layout->addWidget(filter);
-    // The filter works on every redraw, so a change shows at once.
-    auto redraw = [this] { Run("Check1", kDuringRun, [this] { Display(session_); }); };
-    connect(check1_, &QCheckBox::clicked, this, redraw);
-    connect(combo4_, &QComboBox::activated, this, redraw);
-    connect(combo5_, &QComboBox::activated, this, redraw);
-
-    auto* save = new QPushButton("Save Settings");
-    save->setObjectName("Command7");
-    save->setFocusPolicy(Qt::TabFocus);
-    connect(save, &QPushButton::clicked, this, [this] { Command7_Click(); });
-    command_[7] = save;
-    layout->addWidget(save);
-    layout->addStretch(1);
-    return w;
-}
-
-void Ardelvantine::BuildMenus() {
-    QMenu* file = menuBar()->addMenu("&File");
-    file->setObjectName("menu_File");
-    AddAction(file, "menu_OpenEvent", "&Open Event File", [this] { menu_OpenEvent_Click(); });
-    AddAction(file, "menu_SaveEvent", "&Save Event File", [this] { menu_SaveEvent_Click(); });
-    file->addSeparator();
-    AddAction(file, "menu_SaveParameter", "Save &Parameters",
-              [this] { menu_SaveParameter_Click(); });
-    AddAction(file, "menu_LoadParameter", "&Load Parameters",
-              [this] { menu_LoadParameter_Click(); });
-    AddAction(file, "menu_FileComments", "File &Comments", [this] { menu_FileComments_Click(); });
-    file->addSeparator();
-    QMenu* saveSettings = file->addMenu("Save Settings");
-    saveSettings->setObjectName("menu_SaveSettingsMenu");
-    AddAction(saveSettings, "menu_SaveSettingsArdel", "in Ardelvan.ini",
-              [this] { Command6_Click(); });
-    AddAction(saveSettings, "menu_SaveSettingsCustom", "in Custom Settings File",
-              [this] { menu_SaveSettingsCustom_Click(); });
-    AddAction(file, "menu_LoadSettings", "Load Settings", [this] { menu_LoadSettings_Click(); });
-    file->addSeparator();
-    AddAction(file, "menu_DatInfo", "DAT File &Info", [this] { menu_DatInfo_Click(); });
-    QMenu* synch = file->addMenu("Extract Synch Array");
-    synch->setObjectName("menu_ExtractSynchArray");
-    const char* targets[3] = {"into Data Array #1", "into Data Array #2",
-                              "into Event Table (Relative Time)"};
-    for (int i = 0; i < 3; ++i) {
-        AddAction(synch, QString("menu_ExtractSynchArray(%1)").arg(i).toUtf8().constData(),
-                  targets[i], [this, i] { menu_ExtractSynchArray_Click(i); });
-    }
-    file->addSeparator();
-    AddAction(file, "menu_batch", "&Batch Analysis", [this] { menu_batch_Click(); });
-    file->addSeparator();
-    AddAction(file, "menu_Exit", "E&xit", [this] { close(); });
-
-    QMenu* analysis = menuBar()->addMenu("&Analysis");
-    analysis->setObjectName("menu_Analysis");
-    QMenu* suggest = analysis->addMenu("Suggest Analysis Parameters");
-    suggest->setObjectName("menu_SuggParamMenu");
-    for (int i = 1; i <= 3; ++i) {
-        AddAction(suggest, QString("menu_SuggParam(%1)").arg(i).toUtf8().constData(),
-                  MenuText(kSuggParamCaptions[std::size_t(i)]),
-                  [this, i] { menu_SuggParam_Click(i); });
-    }
-    AddAction(analysis, "menu_RMSNoise", "Measure RMS Noise", [this] { menu_RMSNoise_Click(); });
-    analysis->addSeparator();
-    AddAction(analysis, "menu_DoublePeak_Click", "Analyse &Double Peak",
-              [this] { menu_DoublePeak_Click(); });
-    AddAction(analysis, "menu_ScanDoublePeak", "Scan and Detect Double Peaks",
-              [this] { menu_ScanDoublePeak_Click(); });
-    AddAction(analysis, "menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold",
-              [this] { menu_ScanAdjustBaseline_Click(); });
-
-    // The popup of an event on the trace. Marking and unmarking come with the list
-    // operations.
-    menuEventEdit_ = new QMenu(this);
-    menuEventEdit_->setObjectName("menu_EventEdit");
-    AddAction(menuEventEdit_, "menu_RejectThisEvent", kEventEditMenuCaptions[0],
-              [this] { menu_RejectThisEvent_Click(); });
-    QAction* deleteThis = AddAction(menuEventEdit_, "menu_DeletEvent", kEventEditMenuCaptions[1],
-                                    [this] { menu_DeletEvent_Click(); });
-    // The grid's popup deletes the selected event through the same action; the other list
-    // operations join it with grouping.
-    menuEvents_->addAction(deleteThis);
-    AddAction(menuEventEdit_, "menu_RecalculatePeak", kEventEditMenuCaptions[2],
-              [this] { menu_RecalculatePeak_Click(); });
-    AddAction(menuEventEdit_, "menu_DoublePeak", kEventEditMenuCaptions[3],
-              [this] { menu_DoublePeak_Click(); });
-    AddAction(menuEventEdit_, "menu_BaselineThreshold", kEventEditMenuCaptions[4],
-              [this] { menu_BaselineThreshold_Click(); });
-
-    QMenu* nav = menuBar()->addMenu("&Navigate");
-    nav->setObjectName("menu_Navigates");
-    for (int i = 1; i <= kNavigationItemCount; ++i) {
-        const auto item = NavigationItem(i);
-        const QByteArray name = QString("menu_Navigates(%1)").arg(i).toUtf8();
-        if (IsSeparator(item)) {
-            nav->addSeparator()->setObjectName(QString::fromUtf8(name));
-            continue;
-        }
-        AddAction(nav, name.constData(), MenuText(NavigationCaption(item)),
-                  [this, i] { menu_Navigates_Click(i); });
-    }
-
-    QMenu* display = menuBar()->addMenu("&Display");
-    display->setObjectName("menu_Display");
-    AddAction(display, "menu_DisplayContinously", MenuText(kTimedDisplayCaption),
-              [this] { menu_DisplayContinously_Click(); });
-
-    QMenu* help = menuBar()->addMenu("&Help");
-    help->setObjectName("menu_Help");
-    QMenu* shortcuts = help->addMenu("Short &Cuts");
-    shortcuts->setObjectName("menu_ShortCuts");
-    int index = 0;
-    for (const ShortcutHelpEntry& e : ShortcutHelpText()) {
-        const QByteArray name = QString("menu_ShortCuts(%1)").arg(index++).toUtf8();
-        AddAction(shortcuts, name.constData(), MenuText(e.caption),
-                  [this, e] { ui_->Message(e.caption, e.detail); });
-    }
-    AddAction(help, "menu_FilterHelp", "Digital Filter",
-              [this] { ui_->Message("Digital Filter", FilterHelpText()); });
-}
-
 // ---------------------------------------------------------------------------------------------
 // The one wrapper of all handlers
 
@@ -677,6 +191,12 @@ void Ardelvantine::Run(const char* command, unsigned flags, const std::function<
         QApplication::beep();
         statusText_->setText("Busy: press Interrupt (F12) first.");
         return;
+    }
+    if (runDepth_ == 0) {
+        // A new command: what the status bar said about the last one no longer holds.
+        filterMessages_->NewCommand();
+        statusText_->clear();
+        statusText_->setToolTip(QString());
     }
     const bool longRun = flags & kLongRun;
     bool controlsRead = false;
@@ -909,11 +429,20 @@ void Ardelvantine::SyncGrid() {
     syncingGrid_ = true;
     gridModel_->Sync();
     const std::int32_t count = session_.events.EventCount();
-    const std::int32_t row = session_.events.GridCurrentRow;
-    if (row >= 1 && row <= count && grid_->currentIndex().row() != row - 1) {
-        // The current row follows the command; the highlighted rows stay as they were.
+    const std::int32_t row = AgreeGridRow(session_.events, gridAgreement_);
+    QItemSelectionModel* selection = grid_->selectionModel();
+    if (row == 0) {
+        if (selection->currentIndex().isValid() || selection->hasSelection()) {
+            selection->clearSelection();
+            selection->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
+        }
+    } else if (grid_->currentIndex().row() != row - 1) {
+        // The highlighted row is the selected event, the one the next command acts on. A row
+        // the user picked in the grid is current already, and the rows highlighted with it
+        // stay.
         const QModelIndex index = gridModel_->index(row - 1, 0);
-        grid_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+        selection->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                              QItemSelectionModel::Rows);
         if (count >= 2) grid_->scrollTo(index);
     }
     std::erase_if(highlighted_, [count](std::int32_t n) { return n > count; });
@@ -938,6 +467,7 @@ void Ardelvantine::ShowFolder(const fs::path& folder) {
     if (dir.empty() || !fs::is_directory(dir, ec)) return;
     session_.CurrentFolder = dir;
     session_.options.DataDir = dir.string();
+    RecentFiles::SetLastFolder(Q(dir.string()));
     folderBox_->setText(Q(dir.string()));
 
     fileList_->clear();
@@ -973,12 +503,20 @@ void Ardelvantine::FListBoxFETCH_Click(QListWidgetItem* item) {
         if (runDepth_ == 0) ShowFolder(path);
         return;
     }
+    OpenRecording(path);
+}
+
+void Ardelvantine::OpenRecording(const fs::path& path) {
     Run("FListBoxFETCH", kPlain, [this, path] {
+        if (!QueryUnsavedEventsBeforeOpen(session_, *ui_)) return;
         // The readout of the last file's pointer position means nothing for the next one.
         label4_->clear();
         OpenDataFile(session_, *ui_, path);
+        // A refused file leaves nothing open: the name of the one before must not stay.
+        if (!session_.recording.FileIsOpen) session_.Label11.clear();
         text1_->setText(Q(DisplayGainText(session_)));
         ShowWarnings();
+        if (session_.recording.FileIsOpen) RememberRecording();
         if (datInfo_ && datInfo_->isVisible() && session_.recording.FileIsOpen)
             datInfo_->Fill(session_);
     });
@@ -999,11 +537,53 @@ void Ardelvantine::OpenFileAsClick(const fs::path& file) {
         }
     }
     // A file the list does not show (another pattern) opens all the same.
-    Run("FListBoxFETCH", kPlain, [this, full] {
-        OpenDataFile(session_, *ui_, full);
-        text1_->setText(Q(DisplayGainText(session_)));
-        ShowWarnings();
-    });
+    OpenRecording(full);
+}
+
+void Ardelvantine::ShowLastFolder() {
+    const QString last = RecentFiles::LastFolder();
+    if (!last.isEmpty() && QFileInfo(last).isDir()) ShowFolder(fs::path(S(last)));
+}
+
+void Ardelvantine::RememberRecording() {
+    RecentFiles::Add(Q(session_.recording.DataFilePath.string()));
+    RebuildRecentMenu();
+}
+
+void Ardelvantine::RefreshFileList() {
+    // A file just written (an event file) shows at once; the list keeps its place.
+    const int row = fileList_->currentRow();
+    const int scroll = fileList_->verticalScrollBar()->value();
+    ShowFolder(session_.CurrentFolder);
+    if (row >= 0 && row < fileList_->count()) fileList_->setCurrentRow(row);
+    fileList_->verticalScrollBar()->setValue(scroll);
+}
+
+void Ardelvantine::menu_OpenRecording_Click() {
+    if (runDepth_ > 0) {
+        Run("Open Recording", kPlain, [] {});  // refused with the busy notice
+        return;
+    }
+    FileDialogSpec spec;
+    spec.title = "Open Recording";
+    spec.filter = "ABF Data File (*.DAT *.ABF)|*.DAT;*.ABF|Event File (*.EVT)|*.EVT|All Files (*)|*";
+    spec.initialDirectory = session_.CurrentFolder;
+    if (const auto chosen = ui_->OpenFileName(spec)) OpenFileAsClick(*chosen);
+}
+
+void Ardelvantine::dragEnterEvent(QDragEnterEvent* event) {
+    const auto urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile() && runDepth_ == 0)
+        event->acceptProposedAction();
+}
+
+void Ardelvantine::dropEvent(QDropEvent* event) {
+    const auto urls = event->mimeData()->urls();
+    if (urls.isEmpty() || !urls.first().isLocalFile()) return;
+    event->acceptProposedAction();
+    const fs::path file(S(urls.first().toLocalFile()));
+    // The drop ends only after this returns; questions of the open come up after it.
+    QTimer::singleShot(0, this, [this, file] { OpenFileAsClick(file); });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -1260,7 +840,9 @@ void Ardelvantine::menu_OpenEvent_Click() {
 }
 
 void Ardelvantine::menu_SaveEvent_Click() {
-    Run("Save Event File", kPlain, [this] { menu_SaveEvent(session_, *ui_); });
+    Run("Save Event File", kPlain, [this] {
+        if (menu_SaveEvent(session_, *ui_)) RefreshFileList();
+    });
 }
 
 void Ardelvantine::menu_SaveParameter_Click() {
@@ -1300,6 +882,7 @@ void Ardelvantine::menu_batch_Click() {
                                      .arg(analysed)
                                      .arg(report.files.size())
                                      .arg(report.interrupted ? ", interrupted" : ""));
+            RefreshFileList();
         },
         RunKind::Batch);
 }
@@ -1324,7 +907,11 @@ void Ardelvantine::menu_RejectThisEvent_Click() {
 }
 
 void Ardelvantine::menu_DeletEvent_Click() {
-    Run("Delete This Event", kPlain, [this] { menu_DeletEvent(session_, *ui_); });
+    Run("Delete This Event", kPlain, [this] {
+        menu_DeletEvent(session_, *ui_);
+        // The deleted event's marks leave the picture; the new selection is marked.
+        RedrawSelection(session_);
+    });
 }
 
 void Ardelvantine::menu_RecalculatePeak_Click() {
@@ -1360,6 +947,28 @@ void Ardelvantine::menu_RMSNoise_Click() {
         text4_[0]->setText(Q(result->thresholdText));
         text4_[6]->setText(Q(result->thresholdText));
     }
+}
+
+void Ardelvantine::menu_AutoScale_Click() {
+    Run("Auto Scale", kDuringRun, [this] {
+        AutoScale(session_);
+        text1_->setText(Q(DisplayGainText(session_)));
+    });
+}
+
+void Ardelvantine::Picture1_Wheel(int notches, bool ctrl) {
+    Run("Picture1", kDuringRun, [this, notches, ctrl] {
+        const int direction = notches > 0 ? 1 : -1;
+        for (int k = 0; k < std::abs(notches); ++k) {
+            if (ctrl)
+                StepDisplayGain(session_, direction);
+            else if (direction > 0)
+                JumpToPrevScreen(session_);
+            else
+                JumpToNextScreen(session_);
+        }
+        if (ctrl) text1_->setText(Q(DisplayGainText(session_)));
+    });
 }
 
 void Ardelvantine::menu_DisplayContinously_Click() {

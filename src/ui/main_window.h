@@ -14,6 +14,8 @@
 #include <QElapsedTimer>
 #include <QMainWindow>
 
+#include "core/event_commands.h"
+#include "core/forwarding_dialogs.h"
 #include "core/session.h"
 #include "core/settings.h"
 #include "core/user_dialogs.h"
@@ -22,6 +24,8 @@
 
 class QAction;
 class QCheckBox;
+class QDragEnterEvent;
+class QDropEvent;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -60,6 +64,9 @@ class Ardelvantine : public QMainWindow {
     void ShowFolder(const std::filesystem::path& folder);
     // Opens a file as a click in the file list does (its folder is shown first).
     void OpenFileAsClick(const std::filesystem::path& file);
+    // Shows the folder used last (desktop preferences), when it still exists. For a start
+    // without a file named.
+    void ShowLastFolder();
 
     // The grid's highlighted rows as event numbers, in the order they were highlighted: the
     // selection list of the commands that act on highlighted events.
@@ -101,6 +108,10 @@ class Ardelvantine : public QMainWindow {
     void menu_ScanAdjustBaseline_Click();
     void menu_SuggParam_Click(int index);
     void menu_RMSNoise_Click();
+    void menu_OpenRecording_Click();
+    void menu_AutoScale_Click();
+    // The wheel over the trace: a screen per notch (up goes back); with Ctrl the gain.
+    void Picture1_Wheel(int notches, bool ctrl);
 
     // The trace's mouse handlers, with positions in picture units and the shift mask of the
     // old handlers (1 Shift, 2 Ctrl, 4 Alt).
@@ -116,6 +127,8 @@ class Ardelvantine : public QMainWindow {
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
   private:
     enum RunFlags : unsigned {
@@ -133,6 +146,10 @@ class Ardelvantine : public QMainWindow {
 
     void BuildUi();
     void BuildMenus();
+    void RebuildRecentMenu();
+    void RememberRecording();
+    void RefreshFileList();
+    void OpenRecording(const std::filesystem::path& path);
     QWidget* BuildFilePanel();
     QWidget* BuildTracePanel();
     QWidget* BuildAnalysisPanel();
@@ -169,6 +186,9 @@ class Ardelvantine : public QMainWindow {
     CursorState cursors_;
     std::unique_ptr<UserDialogs> ownDialogs_;
     UserDialogs* ui_ = nullptr;
+    // The screen filter runs on every redraw; its cut-off warning is shown once per command.
+    std::unique_ptr<OncePerCommandMessages> filterMessages_;
+    GridAgreement gridAgreement_;
     std::filesystem::path programDir_;
     std::filesystem::path iniPath_;
 
@@ -205,6 +225,7 @@ class Ardelvantine : public QMainWindow {
     EventGridModel* gridModel_ = nullptr;
     QMenu* menuEvents_ = nullptr;
     QMenu* menuEventEdit_ = nullptr;
+    QMenu* menuRecent_ = nullptr;
     QLabel* statusText_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QTimer* timer1_ = nullptr;

@@ -4,8 +4,10 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QScreen>
 
 namespace ardel {
 
@@ -59,6 +61,34 @@ void SplitDescription(const QString& entry, QString& description, QString& patte
     }
 }
 
+// Every dialog fits a small laptop screen (1280 x 720) whatever the length of its text.
+constexpr QSize kSmallestScreen(1280, 720);
+// Texts wrap at this width: a line of about eighty characters.
+constexpr int kTextWidth = 560;
+
+QSize Room(const QWidget* parent) {
+    const QScreen* screen = parent ? parent->screen() : QGuiApplication::primaryScreen();
+    QSize room = screen ? screen->availableGeometry().size() : kSmallestScreen;
+    // Leave room for the window frame.
+    return room.boundedTo(kSmallestScreen) - QSize(16, 40);
+}
+
+void WrapLabels(QWidget& d) {
+    for (QLabel* label : d.findChildren<QLabel*>()) {
+        if (label->pixmap().isNull() && !label->text().isEmpty()) {
+            label->setWordWrap(true);
+            label->setMaximumWidth(kTextWidth);
+        }
+    }
+}
+
+void FitToScreen(QWidget& d, const QWidget* parent) {
+    const QSize room = Room(parent);
+    d.setMaximumSize(room);
+    d.adjustSize();
+    d.resize(d.size().boundedTo(room));
+}
+
 void Prepare(QFileDialog& d, const FileDialogSpec& spec) {
     d.setNameFilter(QtFileFilter(spec.filter));
     d.setDirectory(QString::fromStdString(spec.initialDirectory.string()));
@@ -67,6 +97,9 @@ void Prepare(QFileDialog& d, const FileDialogSpec& spec) {
     const QString name = Q(spec.fileName);
     if (!name.isEmpty() && !name.contains('*') && !name.contains('?')) d.selectFile(name);
     if (!spec.title.empty()) d.setWindowTitle(Q(spec.title));
+    const QSize room = Room(d.parentWidget());
+    d.setMaximumSize(room);
+    d.resize(d.sizeHint().expandedTo(QSize(720, 480)).boundedTo(room));
 }
 
 }  // namespace
@@ -90,7 +123,11 @@ QString QtFileFilter(const std::string& filter) {
 }
 
 void QtUserDialogs::Message(std::string_view title, std::string_view text) {
-    QMessageBox::information(parent_, Q(title), Q(text));
+    QMessageBox box(QMessageBox::Information, Q(title), Q(text), QMessageBox::Ok, parent_);
+    box.setTextFormat(Qt::PlainText);
+    WrapLabels(box);
+    FitToScreen(box, parent_);
+    box.exec();
 }
 
 Answer QtUserDialogs::Ask(std::string_view title, std::string_view text, Buttons buttons,
@@ -112,6 +149,9 @@ Answer QtUserDialogs::Ask(std::string_view title, std::string_view text, Buttons
     }
     if (const auto def = ToQt(defaultAnswer); def != QMessageBox::NoButton)
         box.setDefaultButton(def);
+    box.setTextFormat(Qt::PlainText);
+    WrapLabels(box);
+    FitToScreen(box, parent_);
     switch (box.exec()) {
         case QMessageBox::Ok:
             return Answer::OK;
@@ -130,11 +170,16 @@ Answer QtUserDialogs::Ask(std::string_view title, std::string_view text, Buttons
 
 std::optional<std::string> QtUserDialogs::Input(std::string_view title, std::string_view prompt,
                                                 std::string_view defaultText) {
-    bool ok = false;
-    const QString text =
-        QInputDialog::getText(parent_, Q(title), Q(prompt), QLineEdit::Normal, Q(defaultText), &ok);
-    if (!ok) return std::nullopt;
-    return text.toStdString();
+    QInputDialog d(parent_);
+    d.setInputMode(QInputDialog::TextInput);
+    d.setWindowTitle(Q(title));
+    d.setLabelText(Q(prompt));
+    d.setTextValue(Q(defaultText));
+    // The prompts are long sentences: wrapped, they keep the box and its buttons on screen.
+    WrapLabels(d);
+    FitToScreen(d, parent_);
+    if (d.exec() != QDialog::Accepted) return std::nullopt;
+    return d.textValue().toStdString();
 }
 
 std::optional<std::filesystem::path> QtUserDialogs::SaveFileName(const FileDialogSpec& spec) {

@@ -5,9 +5,11 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 #include "core/session.h"
 #include "detect/manual_edit.h"
+#include "view/trace_axes.h"
 
 namespace ardel {
 
@@ -65,6 +67,7 @@ int TraceView::ShiftMask(Qt::KeyboardModifiers m) {
 }
 
 void TraceView::paintEvent(QPaintEvent*) {
+    emit Repainted();
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
     const TraceScene scene = CurrentScene();
@@ -129,6 +132,15 @@ void TraceView::paintEvent(QPaintEvent*) {
             drawText(m.label, at(m.x, m.y + m.labelDy), TextAnchor::Center, ToQColor(m.color));
     }
 
+    // The channels' legend, top right under the end time.
+    for (const SceneText& t : scene.legend) {
+        const QString s = QString::fromStdString(t.text);
+        const double w = fm.horizontalAdvance(s);
+        const QPointF p(width() - w - 4, (1.2 + t.y) * fm.height());
+        painter.setPen(ToQColor(t.color));
+        painter.drawText(QRectF(p, QSizeF(w + 1, fm.height())), Qt::AlignLeft | Qt::AlignTop, s);
+    }
+
     if (cursors_ && cursors_->ckCursors) {
         QPen pen(QColor(0, 128, 128));
         pen.setCosmetic(true);
@@ -139,12 +151,44 @@ void TraceView::paintEvent(QPaintEvent*) {
     }
 }
 
+QRectF TraceView::ScaleTextRect() const {
+    const TraceScene scene = CurrentScene();
+    const QFontMetricsF fm(font());
+    for (const SceneText& t : scene.texts) {
+        if (!(t.color == Rgb{0, 0, 255}) || t.anchor != TextAnchor::TopLeft) continue;
+        const double sy = height() / std::max(1.0, scene.height);
+        const double sx = width() / std::max(1.0, scene.width);
+        return QRectF(t.x * sx, t.y * sy, fm.horizontalAdvance(QString::fromStdString(t.text)),
+                      fm.height());
+    }
+    return {};
+}
+
+void TraceView::mouseDoubleClickEvent(QMouseEvent* e) {
+    if (ScaleTextRect().contains(e->position())) {
+        emit ScaleTextDoubleClicked();
+        return;
+    }
+    mousePressEvent(e);
+}
+
+void TraceView::wheelEvent(QWheelEvent* e) {
+    // One notch is 120 eighths of a degree; a touchpad sends them in pieces.
+    wheelRemainder_ += e->angleDelta().y();
+    const int notches = wheelRemainder_ / 120;
+    wheelRemainder_ -= notches * 120;
+    if (notches != 0) emit Wheel(notches, e->modifiers());
+    e->accept();
+}
+
 void TraceView::mouseMoveEvent(QMouseEvent* e) {
     const QPointF p = ToPicture(e->position());
     emit MouseMoved(p.x(), p.y(), e->buttons(), ShiftMask(e->modifiers()));
 }
 
 void TraceView::mousePressEvent(QMouseEvent* e) {
+    // The scale text is a control of its own: a click on it neither detects nor selects.
+    if (e->button() == Qt::LeftButton && ScaleTextRect().contains(e->position())) return;
     const QPointF p = ToPicture(e->position());
     emit MousePressed(e->button(), ShiftMask(e->modifiers()), p.x(), p.y());
 }
@@ -152,6 +196,73 @@ void TraceView::mousePressEvent(QMouseEvent* e) {
 void TraceView::mouseReleaseEvent(QMouseEvent* e) {
     const QPointF p = ToPicture(e->position());
     emit MouseReleased(e->button(), ShiftMask(e->modifiers()), p.x(), p.y());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Axes
+
+namespace {
+
+constexpr int kTickLength = 5;
+
+}  // namespace
+
+TraceAxisView::TraceAxisView(const Session& session, const TraceView& picture, Kind kind,
+                             QWidget* parent)
+    : QWidget(parent), session_(session), picture_(picture), kind_(kind) {
+    setObjectName(kind == Kind::Time ? "TimeAxis" : "AmplitudeAxis");
+    setSizePolicy(kind == Kind::Time ? QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed)
+                                     : QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding));
+}
+
+QSize TraceAxisView::sizeHint() const {
+    const QFontMetrics fm(font());
+    if (kind_ == Kind::Time) return {100, kTickLength + fm.height() + 2};
+    return {kTickLength + fm.horizontalAdvance("-00000.00") + 4, 100};
+}
+
+void TraceAxisView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::WindowText));
+    const QFontMetricsF fm(font());
+    const bool time = kind_ == Kind::Time;
+    // The axis lies along the picture's edge; ticks are placed in the picture's coordinates.
+    const QPoint origin = picture_.mapTo(window(), QPoint(0, 0)) - mapTo(window(), QPoint(0, 0));
+    const double length = time ? picture_.width() : picture_.height();
+    const int maxTicks = std::max(2, int(length / (time ? fm.horizontalAdvance("0000.000") * 1.6
+                                                        : fm.height() * 2.5)));
+    const TraceAxis axis =
+        time ? TimeAxis(session_, maxTicks) : AmplitudeAxis(session_, maxTicks);
+    if (axis.ticks.empty()) return;
+    const double points = std::max(1, session_.recording.ScreenPoints());
+    if (time) {
+        painter.drawLine(origin.x(), 0, origin.x() + int(length), 0);
+        for (std::size_t k = 0; k < axis.ticks.size(); ++k) {
+            const AxisTick& t = axis.ticks[k];
+            const double x = origin.x() + t.position * length / points;
+            painter.drawLine(QPointF(x, 0), QPointF(x, kTickLength));
+            // The unit goes with the last label, clear of the amplitude axis on the left.
+            QString text = QString::fromStdString(t.label);
+            if (k + 1 == axis.ticks.size()) text += " " + QString::fromStdString(axis.unit);
+            const double w = fm.horizontalAdvance(text);
+            painter.drawText(
+                QPointF(std::clamp(x - w / 2, 0.0, width() - w), kTickLength + fm.ascent()), text);
+        }
+    } else {
+        const int edge = width() - 1;
+        painter.drawLine(edge, origin.y(), edge, origin.y() + int(length));
+        for (const AxisTick& t : axis.ticks) {
+            const double y = origin.y() + t.position * length / 65536.0;
+            if (y < origin.y() - 0.5 || y > origin.y() + length + 0.5) continue;
+            painter.drawLine(QPointF(edge - kTickLength, y), QPointF(edge, y));
+            const QString text = QString::fromStdString(t.label);
+            const double w = fm.horizontalAdvance(text);
+            const double top = std::clamp(y - fm.height() / 2, 0.0, height() - fm.height());
+            painter.drawText(QPointF(edge - kTickLength - 2 - w, top + fm.ascent()), text);
+        }
+        const QString unit = QString::fromStdString(axis.unit);
+        painter.drawText(QPointF(2, origin.y() + length + fm.ascent() + 2), unit);
+    }
 }
 
 }  // namespace ardel

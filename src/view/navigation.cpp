@@ -121,6 +121,19 @@ std::string_view NavigationCaption(NavigationItem item) {
     return kCaptions[std::size_t(i)];
 }
 
+std::string NavigationKeyText(NavigationItem item) {
+    const std::string_view caption = NavigationCaption(item);
+    const auto open = caption.rfind('(');
+    const auto close = caption.rfind(')');
+    if (IsSeparator(item) || open == std::string_view::npos || close < open) return {};
+    std::string key(caption.substr(open + 1, close - open - 1));
+    if (key == "CTL-T") return "Ctrl+T";
+    // The screen moves have a function key too.
+    const int i = int(item);
+    if (i >= 1 && i <= 4) key += ", F" + std::to_string(4 + i);
+    return key;
+}
+
 void MoveToEvent(Session& s, std::int32_t n) {
     if (!HasEvents(s) || n < 1 || n > s.events.EventCount()) return;
     s.events.CurrentEvent = n;
@@ -526,9 +539,28 @@ std::vector<ShortcutHelpEntry> ShortcutHelpText() {
          "J reject, K delete, I recalculate, L double peak: the selected event.\n"
          "F9 analyse this window, F10 the next window, F11 non-stop to the end, F12 "
          "interrupt.\n"
-         "Page Up / Page Down: display offset; Home / End: display gain.\n"
+         "Page Up / Page Down: display offset; Home / End: display gain; F4 auto scale.\n"
+         "Ctrl+O open a recording, Ctrl+S save the event file, Ctrl+Q exit.\n"
          "Letters and digits act while the trace, the file list or the grid has the keyboard; "
          "in a text box they are typed."},
+        {"Analyse this window and non-stop     (F9, F10, F11)",
+         "F9 analyses the screen shown.  F10 moves to the next screen and analyses it.\n"
+         "F11 alone starts with the screen after the one shown, so the first screen of a "
+         "recording is analysed only when F9 was pressed on it first: press F9, then F11.\n"
+         "F9 pressed twice on the same screen records every event of that screen twice; "
+         "Remove Duplicates in the event list operations removes the copies."},
+        {"Mouse wheel and auto scale     (Wheel, Ctrl+Wheel, F4)",
+         "The wheel over the trace moves a screen per notch (up goes back, down goes on); "
+         "with Ctrl it doubles or halves the display gain.\n"
+         "F4, Display > Auto Scale, or a double click on the blue scale text fits the gain "
+         "and offset of the active channel so that the trace shown fills the picture."},
+        {"Batch analysis",
+         "Every chosen file is analysed from its first screen to its last and saved as NAME.EVT "
+         "beside it (NAME: the file's name up to its first \".\").\n"
+         "Each file starts from an empty table: events in the table when the batch starts are "
+         "offered for saving first, and Cancel ends the batch before it begins.  Files that "
+         "would write the same event file are named before the start, and the batch can be "
+         "cancelled."},
     };
 }
 

@@ -47,6 +47,9 @@ inline constexpr int kNavigationItemCount = 24;
 bool IsSeparator(NavigationItem item);
 // The menu caption, with the key in brackets; "-" for a separator.
 std::string_view NavigationCaption(NavigationItem item);
+// The keys of an item as the menu shows them beside its caption ("A, F5", "Ctrl+T"); empty
+// for a separator.
+std::string NavigationKeyText(NavigationItem item);
 
 // Runs a menu item (or the key that stands for it). Separators do nothing.
 void Navigate(Session& s, UserDialogs& ui, NavigationItem item);

@@ -188,6 +188,10 @@ TraceScene BuildTraceScene(const Session& s, int pixelWidth, double textHeight) 
                           32786.0 - double(d.DisplayOffset[std::size_t(c)]),
                           double(d.DisplayGain[std::size_t(c)]), t.points);
         }
+        if (scene.traces.size() > 1)
+            for (const SceneTrace& t : scene.traces)
+                scene.legend.push_back({"Channel " + CStr(std::int64_t(t.channel)), 0,
+                                        double(t.channel), TextAnchor::TopRight, t.color});
 
         // The amplitude of one tenth of the picture's height.
         const double tenth = 65536.0 / 10.0 / double(r.ChannelGain) * double(r.header.fADCRange) /

@@ -67,6 +67,8 @@ struct TraceScene {
     std::vector<SceneText> texts;
     std::vector<SceneMark> marks;
     bool traceHidden = false;  // a non-stop run with "Display trace" off draws nothing
+    // With several channels drawn: one entry per channel in its pen colour ("Channel 1").
+    std::vector<SceneText> legend;
 };
 
 // The scene of the current screen for a picture pixelWidth pixels wide (the min/max reduction

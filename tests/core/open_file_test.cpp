@@ -217,9 +217,13 @@ TEST_F(RealFileTest, InvalidStartDateAndTimeStillOpen) {
     EXPECT_EQ(rows[8].second, "-1");
 }
 
-TEST_F(RealFileTest, Abf2IsRefusedAsNotAnAxonBinaryFile) {
+constexpr const char* kAbf2Text =
+    "This is an ABF 2 file.  Ardelvantine reads ABF 1.x files only (header \"ABF \").  Please "
+    "save the recording as ABF 1.8 and try again.";
+
+TEST_F(RealFileTest, Abf2IsRefusedWithItsReason) {
     ScriptedDialogs ui;
-    ui.ExpectMessage("Not ABF File", kNotAbfText);
+    ui.ExpectMessage("Not ABF File", kAbf2Text);
     EXPECT_FALSE(OpenDataFile(s, ui, Data("pclamp11_4ch.abf")));
     EXPECT_FALSE(s.recording.FileIsOpen);
 }
@@ -350,7 +354,7 @@ TEST_F(OpenSequenceTest, NotAnAbfFile) {
 TEST_F(OpenSequenceTest, TheSignatureMustHoldAbfAndABlank) {
     for (const char* sig : {"ABF2", " ABF", "abf ", "ABF\0"}) {
         ScriptedDialogs ui;
-        ui.ExpectMessage("Not ABF File", kNotAbfText);
+        ui.ExpectMessage("Not ABF File", std::string_view(sig, 4) == "ABF2" ? kAbf2Text : kNotAbfText);
         auto f = MakeFile("sig.abf", 1, 4096,
                           [&](AbfHeader& h) { std::memcpy(h.lFileSignature.data(), sig, 4); });
         EXPECT_FALSE(OpenDataFile(s, ui, f)) << sig;

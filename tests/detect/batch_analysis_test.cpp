@@ -200,5 +200,60 @@ TEST_F(BatchTest, AFileWithoutTheActiveChannelIsLeftOut) {
     EXPECT_FALSE(s.recording.FileIsOpen);
 }
 
+TEST(BatchClashes, FilesThatWouldWriteOneEventFileAreGrouped) {
+    EXPECT_EQ(BatchEventFileFor("/d/rec.1.abf"), fs::path("/d/rec.EVT"));
+    EXPECT_EQ(BatchEventFileFor("/d/cell"), fs::path("/d/cell.EVT"));
+    const auto clashes = BatchEventFileClashes(
+        {"/d/rec.1.abf", "/d/other.abf", "/d/rec.2.abf", "/e/rec.abf", "/d/rec.1.abf"});
+    ASSERT_EQ(clashes.size(), 1u);
+    EXPECT_EQ(clashes[0].eventFile, fs::path("/d/rec.EVT"));
+    EXPECT_EQ(clashes[0].dataFiles, (std::vector<fs::path>{"/d/rec.1.abf", "/d/rec.2.abf"}));
+    EXPECT_TRUE(BatchEventFileClashes({"/d/a.abf", "/e/a.abf"}).empty());
+}
+
+TEST_F(BatchTest, AClashIsNamedBeforeTheStartAndCancelRunsNothing) {
+    const fs::path a = MakeData("rec.1.dat"), b = MakeData("rec.2.dat");
+    ScriptedDialogs ui;
+    ui.ExpectOpenFiles({a, b}).ExpectAsk(
+        "Batch Analysis",
+        "These files would write the same event file, so that the later file's events would "
+        "replace the earlier's:\n\nrec.EVT: rec.1.dat, rec.2.dat\n\nAnalyse them all the same?",
+        Answer::Cancel);
+    EXPECT_TRUE(menu_batch(s, ui).files.empty());
+    EXPECT_FALSE(fs::exists(dir / "rec.EVT"));
+    EXPECT_TRUE(ui.Done());
+}
+
+TEST_F(BatchTest, EventsInTheTableAreOfferedAndNeverMixedIntoTheFirstFile) {
+    const fs::path a = MakeData("a.dat"), b = MakeData("b.dat");
+    const auto expected = AnalyseByHand(a);
+    ASSERT_TRUE(OpenDataFile(s, *std::make_unique<SilentDialogs>(), b));
+    for (int i = 0; i < 5; ++i) s.events.Add().Time = float(i);
+    UpdateTDBGrid(s.events);
+
+    // Cancel ends the batch before any file is touched.
+    ScriptedDialogs cancel;
+    cancel.ExpectOpenFiles({a}).ExpectAsk("Save Previous Event Data", std::nullopt, Answer::Cancel);
+    EXPECT_TRUE(menu_batch(s, cancel).files.empty());
+    EXPECT_EQ(s.events.EventCount(), 5);
+    EXPECT_FALSE(fs::exists(dir / "a.EVT"));
+
+    // No: the events are dropped and the first file's event file holds its own events only.
+    ScriptedDialogs no;
+    no.ExpectOpenFiles({a}).ExpectAsk("Save Previous Event Data", std::nullopt, Answer::No);
+    ASSERT_EQ(menu_batch(s, no).files.size(), 1u);
+    EXPECT_EQ(DecodeEventFile(ReadAll(dir / "a.EVT")).records, expected);
+    EXPECT_TRUE(no.Done());
+
+    // Even events that need no question (saved already) stay out of the batch.
+    for (int i = 0; i < 3; ++i) s.events.Add().Time = float(i);
+    s.events.MarkSaved();
+    fs::remove(dir / "a.EVT");
+    ScriptedDialogs quiet;
+    quiet.ExpectOpenFiles({a});
+    menu_batch(s, quiet);
+    EXPECT_EQ(DecodeEventFile(ReadAll(dir / "a.EVT")).records, expected);
+}
+
 }  // namespace
 }  // namespace ardel

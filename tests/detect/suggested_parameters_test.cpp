@@ -133,5 +133,33 @@ TEST_F(SuggestedParametersTest, RmsQuestionsEndTheCommandAsAnswered) {
     EXPECT_TRUE(ui.Done());
 }
 
+TEST_F(SuggestedParametersTest, APresetWhoseResetIsRefusedChangesNothing) {
+    Open();
+    s.events.Add().Time = 3;
+    const DetectionParameters before = s.params;
+    ui.ExpectAsk("Confrim Reset", std::nullopt, Answer::Cancel);
+    bool shown = false;
+    EXPECT_FALSE(menu_SuggParam(s, ui, 3, [&](const DetectionFrameTexts&) { shown = true; }));
+    EXPECT_EQ(s.params, before);
+    EXPECT_FALSE(shown);
+    EXPECT_EQ(s.events.EventCount(), 1);
+    EXPECT_TRUE(ui.Done());
+}
+
+TEST_F(SuggestedParametersTest, ThresholdBoxesGetTheProgramsNumberText) {
+    Open();
+    // 20 x 1.1 is 22.000000000000004 as a double; the boxes show the stored single.
+    ui.ExpectInput("Measure RMS Noise", std::nullopt, "2")
+        .ExpectAsk("RMS Noise", std::nullopt, Answer::Yes)
+        .ExpectInput("Set Threshold", std::nullopt, "1.1");
+    const auto r = menu_RMSNoise(s, ui);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->thresholdText, "22");
+    ui.ExpectInput("Measure RMS Noise", std::nullopt, "2")
+        .ExpectAsk("RMS Noise", std::nullopt, Answer::Yes)
+        .ExpectInput("Set Threshold", std::nullopt, "0.0123456789");
+    EXPECT_EQ(menu_RMSNoise(s, ui)->thresholdText, "0.2469136");
+}
+
 }  // namespace
 }  // namespace ardel

@@ -241,7 +241,15 @@ TEST(Navigation, DisplayKeysStepOffsetAndGainOfTheActiveChannel) {
     EXPECT_FALSE(RunViewKey(rig.s, rig.quiet, BindingForKey(Key::J, false)));
 
     const auto help = ShortcutHelpText();
-    ASSERT_EQ(help.size(), 12u);
+    ASSERT_EQ(help.size(), 15u);
+    // The kept behaviours of F9 and F11 are told, as is the batch's fresh table per file.
+    EXPECT_NE(help[12].detail.find("press F9, then F11"), std::string::npos);
+    EXPECT_NE(help[12].detail.find("twice"), std::string::npos);
+    EXPECT_NE(help[14].detail.find("empty table"), std::string::npos);
+    EXPECT_EQ(NavigationKeyText(NavigationItem::JumpToFirstScreen), "A, F5");
+    EXPECT_EQ(NavigationKeyText(NavigationItem::JumpToNextTimeInterval), "Ctrl+T");
+    EXPECT_EQ(NavigationKeyText(NavigationItem::JumpToEventNumber), "Y");
+    EXPECT_EQ(NavigationKeyText(NavigationItem::Separator5), "");
     EXPECT_EQ(help[7].caption, "Increase display offset   (Page Up)");
     EXPECT_EQ(help[10].caption, "Decrease display gain    (End)");
 }

@@ -5,8 +5,9 @@
 //       examples/demo.abf
 // (one command line)
 // opens the file with the default detection settings and a display fit for a picture (two
-// seconds a screen, the baseline locked in the upper part), analyses the first screen as F9
-// does, saves the window as a PNG and quits.
+// seconds a screen, gain and offset fitted by Auto Scale), analyses the first screen as F9
+// does, saves the window as a PNG and quits. Started without a file, the file list shows the
+// folder used last.
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -46,8 +47,7 @@ int main(int argc, char* argv[]) {
 
     if (takePicture) {
         std::ofstream ini(programDir / "Ardelvan.ini");
-        ini << "[Display]\nLockBase=True\nFractionWindow=0.7\nDisplayGain=20\n"
-               "DisplayTotalNumberBlockPerScreen=80\n";
+        ini << "[Display]\nDisplayTotalNumberBlockPerScreen=80\n";
     }
 
     ardel::Ardelvantine window(programDir);
@@ -58,6 +58,9 @@ int main(int argc, char* argv[]) {
     const QStringList files = parser.positionalArguments();
     if (!files.isEmpty())
         window.OpenFileAsClick(std::filesystem::path(files.first().toStdString()));
+    else if (!takePicture)
+        window.ShowLastFolder();
+    if (takePicture) window.menu_AutoScale_Click();
     if (parser.isSet(analyse)) window.Command1_Click();
 
     if (takePicture) {
