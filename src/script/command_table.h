@@ -29,6 +29,8 @@ struct CommandContext {
     std::filesystem::path programDir;
     // Set by "Exit" when the program is to close.
     bool exitRequested = false;
+    // No user is there to press a button while a command yields (a script run).
+    bool headless = false;
     // Set by a command for what it puts into the controls after they have followed the
     // session (a box that shows an unrounded value); run once, then cleared.
     std::function<void()> afterCommand;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "events/criteria_search.h"
 #include "script/main_form.h"
 
 namespace ardel {
@@ -20,6 +21,9 @@ struct DatInfoForm {
 struct Forms {
     MainForm main;
     DatInfoForm datInfo;
+    CriteriaForm criteria;
+    // Set by the menu items that open the Criteria form; the desktop shows the window then.
+    bool criteriaShown = false;
 };
 
 }  // namespace ardel

@@ -9,6 +9,7 @@
 
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
+#include "script/event_list_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -17,10 +18,12 @@ namespace fs = std::filesystem;
 
 void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
+    RegisterEventListCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
     RegisterMainFormControls(registry, forms, s);
+    RegisterCriteriaControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
@@ -128,7 +131,7 @@ KeyBinding ParseKey(std::string_view text) {
 ScriptRunner::ScriptRunner(std::ostream& out, fs::path programDir)
     : out_(out),
       dialogs_(out),
-      context_{session_, dialogs_, forms_, std::move(programDir), false, {}} {
+      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}} {
     RegisterAllCommands(table_);
     RegisterAllControls(controls_, forms_, session_);
     session_.CurrentFolder = context_.programDir;
