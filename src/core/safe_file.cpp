@@ -94,9 +94,11 @@ std::string ReadOldFile(const fs::path& file) {
     return out;
 }
 
-// A pipe, a terminal or a device takes the bytes as they come; it is never replaced.
-void WriteIntoSpecialFile(const fs::path& file, std::string_view bytes) {
-    const int fd = ::open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+// A pipe, a terminal or a device takes the bytes as they come; it is never replaced. A stream
+// of the process (standard output sent to a file) is written at its end, after what the
+// process wrote there before.
+void WriteIntoSpecialFile(const fs::path& file, std::string_view bytes, bool append) {
+    const int fd = ::open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | (append ? O_APPEND : 0));
     if (fd < 0) Fail(errno, "cannot write", file);
     const int e = WriteAll(fd, bytes);
     if (::close(fd) != 0 && e == 0 && errno != EINTR) Fail(errno, "cannot write", file);
@@ -123,20 +125,25 @@ ScopedWriteCall::~ScopedWriteCall() {
 }
 
 void WriteFileSafely(const fs::path& file, std::string_view bytes, WriteMode mode) {
-    fs::path target = file;
-    struct stat st {};
-    if (::lstat(file.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
-        // Writing through a link writes the file it names; the link stays a link.
-        std::error_code ec;
-        target = fs::weakly_canonical(file, ec);
-        if (ec) Fail(ec.value(), "cannot resolve the link", file);
+    if (IsOpenStreamName(file)) {
+        WriteIntoSpecialFile(file, bytes, true);
+        return;
     }
-    const bool exists = ::stat(target.c_str(), &st) == 0;
+    struct stat st {};
+    const bool exists = ::stat(file.c_str(), &st) == 0;
     if (!exists && errno != ENOENT) Fail(errno, "cannot write", file);
     if (exists && S_ISDIR(st.st_mode)) Fail(EISDIR, "cannot write", file);
     if (exists && !S_ISREG(st.st_mode)) {
-        WriteIntoSpecialFile(target, bytes);
+        WriteIntoSpecialFile(file, bytes, false);
         return;
+    }
+    fs::path target = file;
+    struct stat link {};
+    if (::lstat(file.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+        // Writing through a link writes the file it names; the link stays a link.
+        std::error_code ec;
+        target = exists ? fs::canonical(file, ec) : fs::weakly_canonical(file, ec);
+        if (ec) Fail(ec.value(), "cannot resolve the link", file);
     }
 
     std::string merged;
@@ -195,6 +202,17 @@ std::optional<std::string> NotARegularFile(const fs::path& file) {
 bool IsSpecialFile(const fs::path& file) {
     struct stat st {};
     return ::stat(file.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode);
+}
+
+bool IsOpenStreamName(const fs::path& file) {
+    const std::string name = file.lexically_normal().string();
+    for (const char* prefix : {"/dev/fd/", "/proc/self/fd/", "/proc/thread-self/fd/"})
+        if (name.rfind(prefix, 0) == 0) return true;
+    return name == "/dev/stdout" || name == "/dev/stderr";
+}
+
+bool IsWrittenInPlace(const fs::path& file) {
+    return IsOpenStreamName(file) || IsSpecialFile(file);
 }
 
 }  // namespace ardel

@@ -26,7 +26,8 @@ enum class WriteMode {
 };
 
 // Writes bytes to file by mode. A symbolic link is followed to the file it names, and that file
-// is the one replaced; the link itself is never renamed over. Throws std::system_error naming
+// is the one replaced; the link itself is never renamed over. Pipes, devices and the names of
+// open streams are written as they stand. Throws std::system_error naming
 // the file; the temporary file is gone by then and the old file untouched.
 void WriteFileSafely(const std::filesystem::path& file, std::string_view bytes,
                      WriteMode mode = WriteMode::Replace);
@@ -53,7 +54,14 @@ class ScopedWriteCall {
 std::optional<std::string> NotARegularFile(const std::filesystem::path& file);
 
 // True when the path names something that exists but is no regular file and no folder
-// (a pipe, a device, a socket): writing there cannot clash with another output.
+// (a pipe, a device, a socket).
 bool IsSpecialFile(const std::filesystem::path& file);
+// True for the names of the process's own open files: /dev/stdout, /dev/stderr, /dev/fd/N,
+// /proc/self/fd/N. Through the links behind them lies whatever the caller's shell connected,
+// a terminal, a pipe or a file it opened; that is written at its end, never replaced.
+bool IsOpenStreamName(const std::filesystem::path& file);
+// True when WriteFileSafely writes into the path as it stands rather than replacing a file
+// (an open stream's name, a pipe, a device): such outputs cannot clash with one another.
+bool IsWrittenInPlace(const std::filesystem::path& file);
 
 }  // namespace ardel

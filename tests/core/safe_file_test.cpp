@@ -125,6 +125,40 @@ TEST(SafeFile, LinksStayLinksAndPipesAndDevicesAreWrittenAsTheyAre) {
     EXPECT_THROW(WriteFileSafely(dir / "no/such/folder.txt", "x"), std::system_error);
 }
 
+TEST(SafeFile, NamesOfOpenStreamsAreWrittenAtTheirEndNeverReplaced) {
+    TempDir dir;
+    // Standard output sent to a file by the shell: what the process wrote there stays first.
+    const fs::path out = dir / "redirected.txt";
+    const int fd = ::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(::write(fd, "before\n", 7), 7);
+    struct stat was {};
+    ::fstat(fd, &was);
+    const fs::path name = "/proc/self/fd/" + std::to_string(fd);
+    EXPECT_TRUE(IsOpenStreamName(name));
+    EXPECT_TRUE(IsWrittenInPlace(name));
+    WriteFileSafely(name, "table\n");
+    ::close(fd);
+    EXPECT_EQ(ReadText(out), "before\ntable\n");
+    struct stat now {};
+    ::stat(out.c_str(), &now);
+    EXPECT_EQ(now.st_ino, was.st_ino);  // the same file, not a new one renamed over it
+
+    // Standard output as a pipe.
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    WriteFileSafely("/dev/fd/" + std::to_string(ends[1]), "piped");
+    ::close(ends[1]);
+    char got[16] = {};
+    EXPECT_EQ(::read(ends[0], got, sizeof got), 5);
+    ::close(ends[0]);
+    EXPECT_EQ(std::string(got), "piped");
+
+    EXPECT_TRUE(IsOpenStreamName("/dev/stdout"));
+    EXPECT_FALSE(IsOpenStreamName(dir / "stdout"));
+    EXPECT_FALSE(IsWrittenInPlace(out));
+}
+
 TEST(SafeFile, OnlyRegularFilesAreInputs) {
     TempDir dir;
     WriteFileSafely(dir / "f", "x");

@@ -21,7 +21,7 @@ std::string FileKey(const std::string& path) {
 }
 
 bool ClashesWithNothing(const std::string& path) {
-    return IsStandardOutput(path) || IsSpecialFile(path);
+    return IsStandardOutput(path) || IsWrittenInPlace(path);
 }
 
 std::string JoinNames(const std::vector<std::string>& names) {
