@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <optional>
 #include <system_error>
 
 #include "core/ini_file.h"
 #include "core/number_text.h"
 #include "core/recording.h"
+#include "core/safe_file.h"
 
 namespace ardel {
 
@@ -94,6 +94,19 @@ void DecodeOldest(std::span<const std::uint8_t> in, EventRecord& e) {
     e.GroupNumber = in[18];
 }
 
+// An input that is no regular file (a pipe would block the read for ever) is refused with a
+// message before anything is read. A missing file ends the operation quietly, as the error trap
+// of these commands always did. True when the file may be read.
+bool ReadableInput(UserDialogs& ui, const std::filesystem::path& p) {
+    std::error_code ec;
+    if (!std::filesystem::exists(p, ec)) return false;
+    const auto reason = NotARegularFile(p);
+    if (!reason) return true;
+    ui.Message("File Error",
+               "The file " + p.filename().string() + " cannot be opened: " + *reason + ".");
+    return false;
+}
+
 // The first 6144 bytes of a file, zeros past its end; nullopt when it cannot be read.
 std::optional<std::array<std::uint8_t, kAbfHeaderSize>> ReadHead(const std::filesystem::path& p) {
     try {
@@ -107,39 +120,33 @@ std::optional<std::array<std::uint8_t, kAbfHeaderSize>> ReadHead(const std::file
 }
 
 std::optional<std::vector<std::uint8_t>> ReadWholeFile(const std::filesystem::path& p) {
-    std::error_code ec;
-    if (std::filesystem::is_directory(p, ec)) return std::nullopt;
     auto text = ReadFileBytes(p);
     if (!text) return std::nullopt;
     return std::vector<std::uint8_t>(text->begin(), text->end());
 }
 
 // The old program opened an existing file and wrote over it from byte 0, so a longer old file
-// keeps its tail. A file that did not exist goes through a temporary file and a rename.
-bool WriteFileAsSaved(const std::filesystem::path& path, std::span<const std::uint8_t> bytes,
-                      bool existed) {
+// keeps its tail. The same bytes are built beside it and renamed over it, so that a full disk
+// or a crash never leaves a file half old, half new. A failure is said, and the old file stands.
+bool WriteFileAsSaved(UserDialogs& ui, const std::filesystem::path& path,
+                      std::span<const std::uint8_t> bytes, const char* kind) {
     try {
-        if (!existed) {
-            WriteFileReplacing(
-                path, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-            return true;
-        }
-        std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
-        if (!f) return false;
-        f.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        f.flush();
-        return bool(f);
-    } catch (const std::exception&) {
+        WriteFileSafely(
+            path, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
+            WriteMode::Overlay);
+        return true;
+    } catch (const std::system_error& e) {
+        ui.Message("File Not Saved", std::string("The ") + kind + " " + path.filename().string() +
+                                         " could not be written: " + e.code().message() +
+                                         ".  The file on disk is as it was before.");
         return false;
     }
 }
 
-// "Replace File" before writing over an existing file. Returns whether to write, and whether
-// the file existed.
-bool ConfirmReplace(UserDialogs& ui, const std::filesystem::path& path, bool& existed) {
+// "Replace File" before writing over an existing file. Returns whether to write.
+bool ConfirmReplace(UserDialogs& ui, const std::filesystem::path& path) {
     std::error_code ec;
-    existed = std::filesystem::exists(path, ec);
-    if (!existed) return true;
+    if (!std::filesystem::exists(path, ec)) return true;
     return ui.Ask(kReplaceTitle, kReplaceText, Buttons::YesNo) == Answer::Yes;
 }
 
@@ -393,14 +400,13 @@ bool menu_SaveEvent(Session& s, UserDialogs& ui) {
         if (!chosen || chosen->empty()) return false;
         path = WithDefaultExtension(*chosen, ".EVT");
     }
-    bool existed = false;
-    if (!ConfirmReplace(ui, path, existed)) return false;
+    if (!ConfirmReplace(ui, path)) return false;
 
     TrimTable(s.events);
     const std::int32_t n = s.events.EventCount();
     const auto bytes = EncodeEventFile(s.recording.header, s.params, s.FileComment, s.Label11,
                                        std::span<const EventRecord>(&s.events[1], std::size_t(n)));
-    if (!WriteFileAsSaved(path, bytes, existed)) return false;
+    if (!WriteFileAsSaved(ui, path, bytes, "event file")) return false;
 
     s.events.MarkSaved();
     Display(s);
@@ -408,6 +414,7 @@ bool menu_SaveEvent(Session& s, UserDialogs& ui) {
 }
 
 bool OpenEventFile(Session& s, UserDialogs& ui, const std::filesystem::path& path) {
+    if (!ReadableInput(ui, path)) return false;
     auto bytes = ReadWholeFile(path);
     if (!bytes) return false;
     ApplyEventFile(s, ui, DecodeEventFile(*bytes), path);
@@ -438,6 +445,7 @@ void menu_OpenEvent(Session& s, UserDialogs& ui) {
     spec.initialDirectory = s.CurrentFolder;
     auto chosen = ui.OpenFileName(spec);
     if (!chosen || chosen->empty()) return;
+    if (!ReadableInput(ui, *chosen)) return;
 
     auto bytes = ReadWholeFile(*chosen);
     if (!bytes) return;
@@ -467,11 +475,10 @@ void menu_SaveParameter(Session& s, UserDialogs& ui, const std::filesystem::path
     auto chosen = ui.SaveFileName(spec);
     if (!chosen || chosen->empty()) return;
     const std::filesystem::path path = WithDefaultExtension(*chosen, ".PAR");
-    bool existed = false;
-    if (!ConfirmReplace(ui, path, existed)) return;
+    if (!ConfirmReplace(ui, path)) return;
     const auto bytes =
         EncodeParameterFile(s.recording.header, s.params, s.events.EventCount(), s.Label11);
-    WriteFileAsSaved(path, bytes, existed);
+    WriteFileAsSaved(ui, path, bytes, "parameter file");
 }
 
 void menu_LoadParameter(Session& s, UserDialogs& ui, const std::filesystem::path& programDir) {
@@ -482,6 +489,7 @@ void menu_LoadParameter(Session& s, UserDialogs& ui, const std::filesystem::path
     spec.initialDirectory = programDir;
     auto chosen = ui.OpenFileName(spec);
     if (!chosen || chosen->empty()) return;
+    if (!ReadableInput(ui, *chosen)) return;
     auto head = ReadHead(*chosen);
     if (!head) return;
     if (!IsArdelvantineFile(AbfHeader::FromBytes(*head))) {

@@ -1,12 +1,10 @@
 #include "core/ini_file.h"
 
-#include <atomic>
-#include <cerrno>
-#include <cstdint>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <system_error>
+
+#include "core/safe_file.h"
 
 namespace ardel {
 
@@ -60,29 +58,6 @@ std::string_view StripQuotes(std::string_view v) {
     if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
         return v.substr(1, v.size() - 2);
     return v;
-}
-
-std::string UniqueSuffix() {
-    static const unsigned seed = [] {
-        try {
-            return std::random_device{}();
-        } catch (...) {
-            return unsigned(reinterpret_cast<std::uintptr_t>(&errno));
-        }
-    }();
-    static std::atomic<unsigned> counter{0};
-    const unsigned long long v =
-        (static_cast<unsigned long long>(seed) << 32) | counter.fetch_add(1);
-    static const char digits[] = "0123456789abcdef";
-    std::string s;
-    for (int shift = 60; shift >= 0; shift -= 4) s.push_back(digits[(v >> shift) & 0xF]);
-    return s;
-}
-
-std::error_code LastError() {
-    const int e = errno;
-    return e != 0 ? std::error_code(e, std::generic_category())
-                  : std::make_error_code(std::errc::io_error);
 }
 
 }  // namespace
@@ -217,36 +192,7 @@ IniDocument LoadIniDocument(const fs::path& file) {
 }
 
 void WriteFileReplacing(const fs::path& file, std::string_view bytes) {
-    std::error_code ec;
-    // Through a link, the file it points to is the one to replace.
-    fs::path target = file;
-    if (fs::is_symlink(file, ec)) {
-        const fs::path resolved = fs::weakly_canonical(file, ec);
-        if (!ec) target = resolved;
-    }
-    const fs::path tmp =
-        target.parent_path() / (target.filename().string() + "." + UniqueSuffix() + ".tmp");
-    {
-        errno = 0;
-        std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
-        if (!out) throw std::system_error(LastError(), "cannot create \"" + tmp.string() + "\"");
-        out.write(bytes.data(), std::streamsize(bytes.size()));
-        out.flush();
-        if (!out) {
-            const std::error_code writeError = LastError();
-            out.close();
-            fs::remove(tmp, ec);
-            throw std::system_error(writeError, "cannot write \"" + tmp.string() + "\"");
-        }
-    }
-    const fs::file_status old = fs::status(target, ec);
-    if (!ec && fs::exists(old)) fs::permissions(tmp, old.permissions(), ec);
-    fs::rename(tmp, target, ec);
-    if (ec) {
-        std::error_code ignored;
-        fs::remove(tmp, ignored);
-        throw std::system_error(ec, "cannot replace \"" + target.string() + "\"");
-    }
+    WriteFileSafely(file, bytes, WriteMode::Replace);
 }
 
 std::string GetPrivateProfileString(std::string_view section, std::string_view key,

@@ -68,8 +68,9 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
 // The file helpers under them. ReadFileBytes gives nullopt for a missing or unreadable file.
 std::optional<std::string> ReadFileBytes(const std::filesystem::path& file);
 IniDocument LoadIniDocument(const std::filesystem::path& file);
-// Writes through a temporary file in the same folder and a rename, so that a failed write never
-// leaves half a file; an existing file keeps its permissions. Throws std::system_error.
+// Replaces the file's contents safely (see WriteFileSafely): a failed write never leaves half a
+// file, an existing file keeps its permissions, a pipe or device is written as it is. Throws
+// std::system_error.
 void WriteFileReplacing(const std::filesystem::path& file, std::string_view bytes);
 
 }  // namespace ardel

@@ -6,6 +6,7 @@
 
 #include "core/event_files.h"
 #include "core/number_text.h"
+#include "core/safe_file.h"
 
 namespace ardel {
 
@@ -13,6 +14,8 @@ namespace {
 
 constexpr const char* kInconsistentTitle = "Inconsistent ABF Header";
 constexpr float kMinSampleIntervalUs = 0.01f;
+// The header bytes that must be in the file: up to the end of fADCSampleInterval.
+constexpr std::uint64_t kHeaderNeeded = abf_offset::fADCSampleInterval + 4;
 
 // Reads the header record from byte 0 and the 34 characters at 2014.
 AbfHeader ReadHeader(const SampleSource& src, std::vector<std::string>& warnings,
@@ -28,7 +31,16 @@ AbfHeader ReadHeader(const SampleSource& src, std::vector<std::string>& warnings
 
 // Checks that keep a damaged header from taking the program down. The old program had no
 // message for these; it failed with a run-time error instead.
-bool CheckHeader(const AbfHeader& h, UserDialogs& ui, const std::string& name) {
+bool CheckHeader(const AbfHeader& h, std::uint64_t fileSize, UserDialogs& ui,
+                 const std::string& name) {
+    // A header cut before the channel count and the sample interval would otherwise be taken
+    // as zeros there and reported as a header giving 0 channels.
+    if (fileSize < kHeaderNeeded) {
+        ui.Message("File Too Short", "The file " + name + " is only " + std::to_string(fileSize) +
+                                         " bytes long, too short for an ABF header (6144 "
+                                         "bytes).  The file cannot be opened.");
+        return false;
+    }
     if (h.nADCNumChannels < 1 || h.nADCNumChannels > kAbfMaxChannels) {
         ui.Message(kInconsistentTitle, "The header of " + name + " gives " +
                                            CStr(int(h.nADCNumChannels)) +
@@ -45,6 +57,16 @@ bool CheckHeader(const AbfHeader& h, UserDialogs& ui, const std::string& name) {
         return false;
     }
     return true;
+}
+
+// The data file an event file names, as a name in the event file's own folder: the stored text
+// up to a NUL (where the system's file calls end it), and of a path only its last part, so that
+// a stored "../other/x.abf" cannot reach outside the folder.
+std::string StoredDataFileName(const std::string& stored) {
+    std::string name = Trim(stored.substr(0, stored.find('\0')));
+    const auto slash = name.find_last_of("/\\");
+    if (slash != std::string::npos) name = Trim(name.substr(slash + 1));
+    return name;
 }
 
 void CollectLayoutWarnings(Recording& r, const std::string& name) {
@@ -101,6 +123,12 @@ void ReadTags(Recording& r, const std::string& name) {
 }
 
 std::shared_ptr<const SampleSource> OpenSource(const std::filesystem::path& file, UserDialogs& ui) {
+    // Looked at before the open: opening a pipe waits for a writer, for ever.
+    if (const auto reason = NotARegularFile(file)) {
+        ui.Message("File Error",
+                   "The file " + file.filename().string() + " cannot be opened: " + *reason + ".");
+        return nullptr;
+    }
     try {
         return std::make_shared<FileSource>(file);
     } catch (const std::system_error& e) {
@@ -164,10 +192,11 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
     std::filesystem::path eventFile;
     if (Contains(header.CreatorInfo(), "Ardelvantine")) {
         eventFile = file;
-        std::string dataName = Trim(sourceName);
+        const std::string dataName = StoredDataFileName(sourceName);
         r.DataFilePath = file.parent_path() / dataName;
         std::error_code ec;
-        if (dataName.empty() || !std::filesystem::is_regular_file(r.DataFilePath, ec)) {
+        if (dataName.empty() || dataName == "." || dataName == ".." ||
+            !std::filesystem::is_regular_file(r.DataFilePath, ec)) {
             ui.Message("Data File Not Found",
                        "The original data file " + dataName +
                            " does not exist in this directory.  Please make sure the event file "
@@ -190,7 +219,7 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
         }
     }
 
-    if (!CheckHeader(header, ui, name)) {
+    if (!CheckHeader(header, source->Size(), ui, name)) {
         r.FileIsOpen = false;
         return false;
     }

@@ -9,6 +9,7 @@
 
 #include "core/ini_file.h"
 #include "core/number_text.h"
+#include "core/safe_file.h"
 
 namespace ardel {
 
@@ -149,6 +150,19 @@ std::string DetectionKeyCStr(const DetectionParameters& p, const DetectionKey& k
     return k.single ? CStr(p.*k.single) : CStr(p.*k.integer);
 }
 
+// A missing settings file gives the defaults. One that is there but cannot be read must not:
+// the program would run with other values than the file holds, and a save would replace it.
+IniDocument LoadSettingsDocument(const fs::path& file) {
+    std::error_code ec;
+    if (!fs::exists(file, ec)) return IniDocument();
+    if (const auto reason = NotARegularFile(file))
+        throw SettingsError("The settings file \"" + file.string() + "\" cannot be read: " +
+                            *reason + ".");
+    const auto bytes = ReadFileBytes(file);
+    if (!bytes) throw SettingsError("The settings file \"" + file.string() + "\" cannot be read.");
+    return IniDocument::Parse(*bytes);
+}
+
 struct KeyValue {
     std::string section, key, value;
 };
@@ -200,8 +214,9 @@ bool SaveCustom(UserDialogs& dialogs, const fs::path& iniFile,
     if (!chosen) return false;
     std::error_code ec;
     if (fs::exists(*chosen, ec)) {
+        // The old file is not deleted here but replaced by the copy below, in one rename: the
+        // end is the same, and a save that fails on the way leaves it as it was.
         if (dialogs.Ask(kReplaceTitle, kReplaceText, Buttons::YesNo) != Answer::Yes) return false;
-        fs::remove(*chosen, ec);
     }
     fullSave();
     if (fs::equivalent(*chosen, iniFile, ec)) return true;  // the copy would be the file itself
@@ -223,7 +238,7 @@ using IsFlag = std::is_same<std::remove_cvref_t<T>, bool>;
 // Reads every key that a visitor names, with the window's buffer.
 template <class Settings, class Visit>
 Settings ReadWindowKeys(const fs::path& file, Visit visit) {
-    const IniDocument doc = LoadIniDocument(file);
+    const IniDocument doc = LoadSettingsDocument(file);
     Settings out;
     visit(out, [&](const char* section, const char* key, const char* def, auto& field) {
         const std::string text = doc.Get(section, key, def, kLongBuffer);
@@ -368,7 +383,7 @@ std::optional<bool> TextToBoolean(std::string_view text) {
 // Main window
 
 MainWindowTexts LoadIniSettings(Session& s, const fs::path& file, const fs::path& programDir) {
-    const IniDocument doc = LoadIniDocument(file);
+    const IniDocument doc = LoadSettingsDocument(file);
     auto get = [&](const char* section, const char* key, const char* def) {
         return doc.Get(section, key, def, kMainBuffer);
     };

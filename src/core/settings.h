@@ -71,7 +71,8 @@ struct MainWindowTexts {
 // per screen, PeakDirection% (anything but +1 is -1), the seven detection keys, ComplexPeak,
 // NumberPointsPeak through its combo text, and the options panel's own second reading.
 // Values are cut to 9 characters, DataDir to 99. Throws SettingsError, leaving the session as
-// it was, for a value the program cannot take. A missing file gives the defaults.
+// it was, for a value the program cannot take, and for a file that is there but cannot be read
+// (a pipe, a folder, no permission). A missing file gives the defaults.
 // Blocks per screen changes only the variable: the window applies it as its box does.
 MainWindowTexts LoadIniSettings(Session& s, const std::filesystem::path& file,
                                 const std::filesystem::path& programDir);

@@ -2,6 +2,10 @@
 // input.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include <fstream>
 #include <sstream>
@@ -9,6 +13,7 @@
 #include "app/cli/cli_app.h"
 #include "core/abf_build.h"
 #include "core/ini_file.h"
+#include "core/safe_file.h"
 #include "support/synthetic.h"
 
 namespace ardel {
@@ -332,6 +337,179 @@ TEST(CliEventFiles, ParameterFileAndDesktopBatch) {
     EXPECT_THAT(lines[1], StartsWith("(the message above came "));
     r = Cli(dir, {"detect", file.string(), "--desktop-batch", "--csv", "x.csv"});
     EXPECT_EQ(r.code, 2);
+}
+
+}  // namespace
+}  // namespace ardel
+
+namespace ardel {
+namespace {
+
+// A disk that is full from the first byte on.
+WriteCall DiskFull() {
+    return [](int, const void*, std::size_t) -> ssize_t {
+        errno = ENOSPC;
+        return -1;
+    };
+}
+
+TEST(CliOutputs, AFailedWriteLeavesTheOldResultsAndSaysSo) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    const auto csv = dir / "e.csv";
+    ASSERT_EQ(Cli(dir, {"detect", file.string(), "--csv", csv.string()}).code, 0);
+    const std::string evt = ReadAll(dir / "cell.EVT"), table = ReadAll(csv);
+    auto r = [&] {
+        ScopedWriteCall full(DiskFull());
+        return Cli(dir, {"detect", file.string(), "--csv", csv.string(), "--param",
+                      "ThresholdAmplitude!=40"});
+    }();
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("File Not Saved: The event file cell.EVT could not be written: "
+                                 "No space left on device."));
+    EXPECT_THAT(r.err, HasSubstr("cannot write " + csv.string()));
+    EXPECT_TRUE(ReadAll(dir / "cell.EVT") == evt);
+    EXPECT_TRUE(ReadAll(csv) == table);
+}
+
+TEST(CliOutputs, StandardOutputPipesAndDevicesAreWrittenAsTheyAre) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    auto r = Cli(dir, {"detect", file.string(), "--no-evt", "--csv", "-"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(Lines(r.out).size(), 4u);
+    EXPECT_THAT(r.out, StartsWith("Time,Amplitude,"));
+    EXPECT_THAT(r.err, ::testing::Not(HasSubstr("written to")));
+
+    // Several files, in parallel: each table in file order.
+    auto second = ThreeEvents(dir, "b.abf");
+    r = Cli(dir, {"detect", file.string(), second.string(), "--no-evt", "--jobs", "2", "--grid",
+                  "-"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(Lines(r.out).size(), 8u);
+
+    std::filesystem::create_symlink("/dev/null", dir / "null.csv");
+    r = Cli(dir, {"detect", file.string(), "--no-evt", "--csv", (dir / "null.csv").string(),
+                  "--grid", "/dev/null"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_TRUE(std::filesystem::is_symlink(dir / "null.csv"));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+
+    r = Cli(dir, {"events", (dir / "cell.EVT").string()});
+    EXPECT_EQ(r.code, 1);  // no event file was saved above
+    ASSERT_EQ(Cli(dir, {"detect", file.string()}).code, 0);
+    r = Cli(dir, {"events", (dir / "cell.EVT").string(), "--csv", "-", "--grid", "-"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(Lines(r.out).size(), 8u);
+}
+
+TEST(CliOutputs, OutputsThatWouldShareAFileAreRefusedBeforeAnythingIsWritten) {
+    TempDir dir;
+    for (const char* sub : {"a", "b", "out"}) std::filesystem::create_directory(dir / sub);
+    auto a = ThreeEvents(dir, "a/x.abf"), b = ThreeEvents(dir, "b/x.abf");
+    auto r = Cli(dir, {"detect", a.string(), b.string(), "--csv", (dir / "out").string()});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr((dir / "out/x.csv").string() + " would hold the CSV table of " +
+                                 a.string() + " and the CSV table of " + b.string()));
+    EXPECT_THAT(r.err, ::testing::Not(HasSubstr("events,")));
+    EXPECT_FALSE(std::filesystem::exists(dir / "out/x.csv"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "a/x.EVT"));
+
+    // The event file takes the name up to its first ".".
+    auto r1 = ThreeEvents(dir, "rec.1.abf"), r2 = ThreeEvents(dir, "rec.2.abf");
+    for (bool desktop : {false, true}) {
+        std::vector<std::string> args{"detect", r1.string(), r2.string()};
+        if (desktop) args.push_back("--desktop-batch");
+        r = Cli(dir, args);
+        EXPECT_EQ(r.code, 2);
+        EXPECT_THAT(r.err, HasSubstr((dir / "rec.EVT").string() + " would hold the event file of " +
+                                     r1.string() + " and the event file of " + r2.string()));
+        EXPECT_FALSE(std::filesystem::exists(dir / "rec.EVT"));
+    }
+    EXPECT_EQ(Cli(dir, {"detect", r1.string(), r2.string(), "--no-evt"}).code, 0);
+
+    // An output over an input, and two outputs of one file on one name.
+    const std::string before = ReadAll(r1);
+    r = Cli(dir, {"detect", r1.string(), "--no-evt", "--csv", r1.string()});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("is an input of this run"));
+    EXPECT_TRUE(ReadAll(r1) == before);
+    r = Cli(dir, {"detect", r1.string(), "--csv", (dir / "t").string(), "--grid",
+                  (dir / "./t").string()});
+    EXPECT_EQ(r.code, 2);
+    r = Cli(dir, {"events", (dir / "x.EVT").string(), "--csv", "t", "--grid", "t"});
+    EXPECT_EQ(r.code, 1);  // no such event file: said before the clash
+}
+
+TEST(CliBadInput, PipesAreRefusedWithoutWaitingForAWriter) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    const auto pipe = dir / "pipe.abf";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    auto r = Cli(dir, {"detect", pipe.string(), file.string(), "--jobs", "2"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("pipe.abf cannot be opened: it is a pipe, not a regular file"));
+    EXPECT_THAT(r.err, HasSubstr("cell.abf: channel 0, 3 events"));
+
+    r = Cli(dir, {"detect", pipe.string(), file.string(), "--desktop-batch"});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("pipe.abf: it is a pipe, not a regular file, skipped"));
+    EXPECT_THAT(r.err, HasSubstr("cell.abf: 3 events"));
+
+    r = Cli(dir, {"events", pipe.string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("it is a pipe"));
+    for (const char* option : {"--par", "--ini"}) {
+        r = Cli(dir, {"detect", file.string(), option, pipe.string()});
+        EXPECT_EQ(r.code, 2) << option;
+        EXPECT_THAT(r.err, HasSubstr(pipe.string() + " cannot be read: it is a pipe")) << option;
+    }
+}
+
+TEST(CliBadInput, ASettingsFileThatCannotBeReadEndsTheRun) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    std::filesystem::create_directory(dir / "Ardelvan.ini");  // beside the program
+    auto r = Cli(dir, {"detect", file.string()});
+    EXPECT_EQ(r.code, 2);
+    EXPECT_THAT(r.err, HasSubstr("Ardelvan.ini\" cannot be read: it is a folder"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "cell.EVT"));
+    EXPECT_EQ(Cli(dir, {"settings"}).code, 2);
+
+    if (::geteuid() != 0) {  // the superuser reads whatever the permissions say
+        WritePrivateProfileString("Analysis", "ThresholdAmplitude!", " 40", dir / "my.ini");
+        std::filesystem::permissions(dir / "my.ini", std::filesystem::perms::none);
+        r = Cli(dir, {"detect", file.string(), "--ini", (dir / "my.ini").string()});
+        EXPECT_EQ(r.code, 2);
+        EXPECT_THAT(r.err, HasSubstr("my.ini"));
+    }
+}
+
+TEST(CliBadInput, StoredTextIsEscapedAndACutHeaderIsTooShort) {
+    TempDir dir;
+    auto file = ThreeEvents(dir);
+    ASSERT_EQ(Cli(dir, {"detect", file.string()}).code, 0);
+    std::string evt = ReadAll(dir / "cell.EVT");
+    evt.replace(2014, 10, std::string("ab\xFF\x01\x1B[2Jc.abf", 12).substr(0, 10));
+    WriteFileReplacing(dir / "odd.EVT", evt);
+    auto r = Cli(dir, {"events", (dir / "odd.EVT").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("The original data file ab\\xFF\\x01\\x1B[2Jc. does not exist"));
+    EXPECT_EQ(r.err.find('\xFF'), std::string::npos);
+    EXPECT_EQ(r.err.find('\x1B'), std::string::npos);
+
+    AbfBuildSpec spec;
+    AbfHeader h = MakeAbfHeader(spec, 1000);
+    SetFixedText(h.sFileComment, "x\x01y\xFFz \xC2\xB5V");
+    auto head = h.ToBytes();
+    WriteFileReplacing(dir / "odd.abf", std::string(head.begin(), head.end()));
+    r = Cli(dir, {"info", (dir / "odd.abf").string()});
+    EXPECT_THAT(r.out, HasSubstr("\nFile Comment\tx\\x01y\\xFFz \xC2\xB5V\n"));  // UTF-8 stays
+
+    WriteFileReplacing(dir / "cut.abf", ReadAll(file).substr(0, 100));
+    r = Cli(dir, {"info", (dir / "cut.abf").string()});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.err, HasSubstr("File Too Short: The file cut.abf is only 100 bytes long"));
 }
 
 }  // namespace

@@ -3,6 +3,9 @@
 #include "core/event_files.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
 
 #include <cstring>
 #include <fstream>
@@ -11,6 +14,7 @@
 
 #include "core/number_text.h"
 #include "core/open_file.h"
+#include "core/safe_file.h"
 #include "support/scripted_dialogs.h"
 #include "support/synthetic.h"
 
@@ -531,6 +535,75 @@ TEST_F(EventFileTest, ParameterFilesCarryTheSettingsButNotNumberPointsPeak) {
                        "This file is not a parameter or an event file.  Please check the file "
                        "and try again.");
     menu_LoadParameter(t, refuse, dir.path());
+}
+
+// A disk that is full from the first byte on.
+WriteCall DiskFull() {
+    return [](int, const void*, std::size_t) -> ssize_t {
+        errno = ENOSPC;
+        return -1;
+    };
+}
+
+TEST_F(EventFileTest, AFailedRewriteSaysSoAndLeavesTheOldFilesAsTheyWere) {
+    Open(s, MakeData("cell1.dat"));
+    AddEvents(s, 100);
+    const fs::path evt = Save(s, dir / "cell1.EVT");
+    const auto good = ReadAll(evt);
+    s.events.SetCount(3);
+    UpdateTDBGrid(s.events);
+    {
+        ScopedWriteCall full(DiskFull());
+        ScriptedDialogs ui;
+        ui.ExpectSaveFile(evt)
+            .ExpectAsk("Replace File", kReplaceText, Answer::Yes)
+            .ExpectMessage("File Not Saved",
+                           "The event file cell1.EVT could not be written: No space left on "
+                           "device.  The file on disk is as it was before.");
+        EXPECT_FALSE(menu_SaveEvent(s, ui));
+    }
+    EXPECT_EQ(ReadAll(evt), good);
+    EXPECT_FALSE(s.events.EventsSaved);
+
+    ScriptedDialogs ui;
+    ui.ExpectSaveFile(dir / "p.PAR");
+    menu_SaveParameter(s, ui, dir.path());
+    const auto par = ReadAll(dir / "p.PAR");
+    s.params.ThresholdAmplitude = 99;
+    {
+        ScopedWriteCall full(DiskFull());
+        ScriptedDialogs again;
+        again.ExpectSaveFile(dir / "p.PAR")
+            .ExpectAsk("Replace File", kReplaceText, Answer::Yes)
+            .ExpectMessage("File Not Saved", std::nullopt);
+        menu_SaveParameter(s, again, dir.path());
+    }
+    EXPECT_EQ(ReadAll(dir / "p.PAR"), par);
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir.path())) names.push_back(e.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"cell1.EVT", "cell1.dat", "p.PAR"}));
+}
+
+TEST_F(EventFileTest, APipeIsRefusedAsEventOrParameterFileWithoutWaiting) {
+    Open(s, MakeData("cell1.dat"));
+    const fs::path pipe = dir / "pipe.EVT";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string refused =
+        "The file pipe.EVT cannot be opened: it is a pipe, not a regular file.";
+    ScriptedDialogs ui;
+    ui.ExpectOpenFile(pipe).ExpectMessage("File Error", refused);
+    menu_OpenEvent(s, ui);
+    ScriptedDialogs par;
+    par.ExpectOpenFile(pipe).ExpectMessage("File Error", refused);
+    menu_LoadParameter(s, par, dir.path());
+    ScriptedDialogs direct;
+    direct.ExpectMessage("File Error", refused);
+    EXPECT_FALSE(OpenEventFile(s, direct, pipe));
+    // Clicked in the file list, as a recording.
+    ScriptedDialogs click;
+    click.ExpectMessage("File Error", refused);
+    EXPECT_FALSE(OpenDataFile(s, click, pipe));
 }
 
 TEST_F(EventFileTest, FileCommentsEditAndTheSaveLoadAsymmetry) {

@@ -478,6 +478,30 @@ TEST_F(OpenSequenceTest, EventFileWithoutItsDataFileIsReported) {
     EXPECT_EQ(ui.log[0].substr(ui.log[0].size() - text.size()), text);
 }
 
+TEST_F(OpenSequenceTest, AnEventFileFindsItsDataFileOnlyByNameInItsOwnFolder) {
+    fs::create_directories(dir / "data");
+    fs::create_directories(dir / "evts");
+    MakeFile("data/other.abf");
+    for (const char* stored : {"../data/other.abf", "..\\data\\other.abf", "/tmp/../x/other.abf"}) {
+        auto evt = MakeFile("evts/cell.EVT", 1, 4096, [&](AbfHeader& h) {
+            SetFixedText(h.sCreatorInfo, "Ardelvantine 5.0");
+            SetFixedText(h.sSourceFileName, stored);
+        });
+        ScriptedDialogs ui;
+        ui.ExpectMessage("Data File Not Found",
+                         "The original data file other.abf does not exist in this directory.  "
+                         "Please make sure the event file and the original data file are present "
+                         "in the same directory.");
+        EXPECT_FALSE(OpenDataFile(s, ui, evt)) << stored;
+    }
+    // The same name beside the event file is the one taken.
+    MakeFile("evts/other.abf");
+    ScriptedDialogs ui;
+    ASSERT_TRUE(OpenDataFile(s, ui, dir / "evts/cell.EVT"));
+    EXPECT_EQ(s.recording.DataFilePath, dir / "evts/other.abf");
+    EXPECT_EQ(s.Label11, "other.abf");
+}
+
 TEST_F(OpenSequenceTest, TagCommentsKeepTheirBytes) {
     AbfFileBuilder b(AbfBuildSpec{}, {Ramp(2048)});
     b.AddTags({{100, "start"}, {2500, "r\xE9sultats \xB5M"}, {-7, std::string(60, 'z')}});
@@ -643,6 +667,20 @@ TEST_F(DamagedFileTest, HeaderShorterThan6144BytesOpensWithAWarningAndZeroSample
         for (std::int32_t i = -kN; i < 2 * kN; ++i)
             ASSERT_EQ(s.recording.GetSampleValue(i), 0) << size << " at " << i;
         SweepAllChannels();
+    }
+}
+
+TEST_F(DamagedFileTest, AHeaderCutBeforeTheChannelCountIsAFileTooShort) {
+    auto full = ReadBytes(MakeFile("full.abf"));
+    for (std::size_t size : {4u, 60u, 121u, 122u, 125u}) {
+        const fs::path cut = dir / "cut.abf";
+        WriteBytes(cut, std::vector<std::uint8_t>(full.begin(), full.begin() + size));
+        ScriptedDialogs ui;
+        ui.ExpectMessage("File Too Short", "The file cut.abf is only " + std::to_string(size) +
+                                               " bytes long, too short for an ABF header (6144 "
+                                               "bytes).  The file cannot be opened.");
+        EXPECT_FALSE(OpenDataFile(s, ui, cut)) << size;
+        EXPECT_FALSE(s.recording.FileIsOpen);
     }
 }
 

@@ -1,6 +1,10 @@
 #include "core/settings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include <algorithm>
 #include <deque>
@@ -11,6 +15,7 @@
 #include <vector>
 
 #include "core/ini_file.h"
+#include "core/safe_file.h"
 
 namespace ardel {
 namespace {
@@ -374,6 +379,52 @@ TEST_F(SettingsTest, CustomSaveAsksBeforeReplacingThenCopiesTheFullSave) {
     EXPECT_EQ(Key("Other", "Keep"), "1");
     EXPECT_EQ(Key("Analysis", "PeakDirection%"), "-1");
     EXPECT_EQ(ReadFileBytes(set), ReadFileBytes(ini_));
+}
+
+TEST_F(SettingsTest, AFileThatIsThereButCannotBeReadIsAnErrorNotTheDefaults) {
+    s_.params.ThresholdAmplitude = 42;
+    fs::create_directory(ini_);  // a folder where the file should be
+    EXPECT_THROW(LoadIniSettings(s_, ini_, programDir_), SettingsError);
+    EXPECT_THROW(LoadGroupAnalysisSettings(ini_), SettingsError);
+    EXPECT_THROW(LoadHrvSettings(ini_), SettingsError);
+    fs::remove(ini_);
+
+    // A pipe is refused without waiting for a writer.
+    ASSERT_EQ(::mkfifo(ini_.c_str(), 0600), 0);
+    try {
+        LoadIniSettings(s_, ini_, programDir_);
+        ADD_FAILURE() << "a pipe was loaded as settings";
+    } catch (const SettingsError& e) {
+        EXPECT_EQ(std::string(e.what()), "The settings file \"" + ini_.string() +
+                                             "\" cannot be read: it is a pipe, not a regular "
+                                             "file.");
+    }
+    EXPECT_EQ(s_.params.ThresholdAmplitude, 42);  // the session is as it was
+    fs::remove(ini_);
+
+    WriteIni("[Analysis]\r\nThresholdAmplitude!=8\r\n");
+    fs::permissions(ini_, fs::perms::none);
+    if (::geteuid() != 0) {  // the superuser reads whatever the permissions say
+        EXPECT_THROW(LoadIniSettings(s_, ini_, programDir_), SettingsError);
+        EXPECT_EQ(s_.params.ThresholdAmplitude, 42);
+    }
+}
+
+TEST_F(SettingsTest, ACustomSaveThatFailsKeepsTheOldCustomFile) {
+    const fs::path set = programDir_ / "cell.SET";
+    WriteFileReplacing(set, "old");
+    WriteIni("[Other]\r\nKeep=1\r\n");
+    {
+        ScopedWriteCall full([](int, const void*, std::size_t) -> ssize_t {
+            errno = ENOSPC;
+            return -1;
+        });
+        dialogs_.fileNames = {set};
+        dialogs_.answers = {Answer::Yes};
+        EXPECT_THROW(menu_SaveSettingsCustom(s_, dialogs_, ini_), SettingsError);
+    }
+    EXPECT_EQ(ReadFileBytes(set), "old");
+    EXPECT_EQ(IniText(), "[Other]\r\nKeep=1\r\n");
 }
 
 TEST_F(SettingsTest, ACustomFileCarriesEverySectionAndLoadsOnlyTheWindowsOwn) {

@@ -13,12 +13,14 @@
 #include <thread>
 
 #include "app/cli/cli_dialogs.h"
+#include "app/cli/cli_outputs.h"
 #include "app/cli/cli_run.h"
 #include "core/event_files.h"
 #include "core/event_table.h"
 #include "core/ini_file.h"
 #include "core/number_text.h"
 #include "core/open_file.h"
+#include "core/safe_file.h"
 #include "core/settings.h"
 #include "detect/batch_analysis.h"
 #include "detect/digital_filter.h"
@@ -51,9 +53,12 @@ std::optional<std::filesystem::path> SettingsFile(const std::string& named,
                                                   std::ostream& err) {
     if (named.empty()) return ArdelvanIniPath(programDir);
     std::error_code ec;
-    if (!std::filesystem::is_regular_file(named, ec)) {
-        err << "error: the settings file " << named
-            << (std::filesystem::exists(named, ec) ? " is not a file\n" : " does not exist\n");
+    if (const auto reason = NotARegularFile(named)) {
+        err << "error: the settings file " << named;
+        if (std::filesystem::exists(named, ec))
+            err << " cannot be read: " << *reason << '\n';
+        else
+            err << " does not exist\n";
         return std::nullopt;
     }
     return std::filesystem::path(named);
@@ -69,7 +74,13 @@ bool PrepareSession(Session& s, const DetectOptions& o, const std::filesystem::p
         LoadIniSettings(s, *ini, programDir);
         if (!o.par.empty()) {
             // The menu command passes over a file it cannot read without a word; here that
-            // would run the analysis with parameters the user did not ask for.
+            // would run the analysis with parameters the user did not ask for. A pipe is refused
+            // before it is opened, which would wait for a writer.
+            if (const auto reason = NotARegularFile(o.par)) {
+                err << "error: the parameter file " << o.par << " cannot be read: " << *reason
+                    << '\n';
+                return false;
+            }
             const FileSource readable(o.par);
             CliDialogs ui(err);
             ui.openFileAnswer = o.par;
@@ -136,8 +147,15 @@ std::string EventGrid(const Session& s) {
     return text;
 }
 
-bool WriteText(const std::string& path, const std::string& text, std::ostream& err) {
+// "-" is standard output; a pipe or device is written as it is, anything else replaced safely.
+bool WriteText(const std::string& path, const std::string& text, std::ostream& err,
+               std::ostream& data) {
+    if (IsStandardOutput(path)) {
+        data << text;
+        return true;
+    }
     try {
+        data.flush();  // what went to standard output before stays before, should path be it
         WriteFileReplacing(path, text);
         return true;
     } catch (const std::exception& e) {
@@ -148,6 +166,7 @@ bool WriteText(const std::string& path, const std::string& text, std::ostream& e
 
 // The signature of the newer file format, which the program refuses as "not ABF".
 bool IsAbf2File(const std::string& file) {
+    if (NotARegularFile(file)) return false;
     std::array<std::uint8_t, 4> sig{};
     try {
         FileSource(file).Read(0, sig);
@@ -177,7 +196,8 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
                 << " is an ABF 2 file; only ABF 1.x files (header \"ABF \") can be read\n";
         return false;
     }
-    for (const std::string& w : s.recording.warnings) err << "warning: " << w << '\n';
+    for (const std::string& w : s.recording.warnings)
+        err << "warning: " << EscapeForTerminal(w) << '\n';
     const int last = s.recording.LastChannelIndex;
     if (channel && (*channel > last || *channel < 0))
         err << "warning: " << file << " has channels 0 to " << last << "; channel "
@@ -186,29 +206,47 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
 }
 
 // Writes --csv and --grid for one analysed file; with several files the options name folders.
+// What goes to standard output goes to data.
 bool WriteTables(const Session& s, const DetectOptions& o, const std::string& file, bool several,
-                 std::ostream& log) {
+                 std::ostream& log, std::ostream& data) {
     bool ok = true;
-    auto target = [&](const std::string& opt, const char* ext) {
-        if (!several) return opt;
-        return (std::filesystem::path(opt) / (std::filesystem::path(file).stem().string() + ext))
-            .string();
+    auto write = [&](const std::string& option, const char* ext, const std::string& text,
+                     const char* said) {
+        if (option.empty()) return;
+        const std::string path = TableOutputPath(option, file, several, ext);
+        if (!WriteText(path, text, log, data))
+            ok = false;
+        else if (!IsStandardOutput(path))
+            log << said << path << '\n';
     };
-    if (!o.csv.empty()) {
-        const std::string path = target(o.csv, ".csv");
-        if (WriteText(path, EventCsv(s.events), log))
-            log << "events written to " << path << '\n';
-        else
-            ok = false;
-    }
-    if (!o.grid.empty()) {
-        const std::string path = target(o.grid, ".txt");
-        if (WriteText(path, EventGrid(s), log))
-            log << "grid written to " << path << '\n';
-        else
-            ok = false;
-    }
+    write(o.csv, ".csv", EventCsv(s.events), "events written to ");
+    write(o.grid, ".txt", EventGrid(s), "grid written to ");
     return ok;
+}
+
+// Every file this run would write, so that a name two files share is found before the first
+// is written.
+std::vector<PlannedOutput> PlannedOutputs(const DetectOptions& o) {
+    const bool several = o.files.size() > 1;
+    std::vector<PlannedOutput> planned;
+    for (const std::string& file : o.files) {
+        if (!o.noEvt) planned.push_back({PlannedEventFile(file).string(), file, "event file"});
+        if (!o.csv.empty())
+            planned.push_back({TableOutputPath(o.csv, file, several, ".csv"), file, "CSV table"});
+        if (!o.grid.empty())
+            planned.push_back({TableOutputPath(o.grid, file, several, ".txt"), file, "grid"});
+    }
+    return planned;
+}
+
+// Refuses the run, before anything is written, when results would be lost. True when refused.
+bool RefuseClashes(const std::vector<PlannedOutput>& planned, std::vector<std::string> inputs,
+                   std::ostream& err) {
+    const auto clashes = FindOutputClashes(planned, inputs);
+    if (clashes.empty()) return false;
+    for (const std::string& c : clashes) err << "error: " << c << '\n';
+    err << "error: nothing was written; give the outputs names of their own\n";
+    return true;
 }
 
 // Re-running over the same files replaces their event files.
@@ -221,7 +259,8 @@ void AnswerReplaceWithYes(CliDialogs& ui) {
 
 // One file as a user would do it: open, F9, F11, save the event file beside the data file.
 int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
-                const std::filesystem::path& programDir, std::ostream& log, bool progress) {
+                const std::filesystem::path& programDir, std::ostream& log, std::ostream& data,
+                bool progress) {
     Session s;
     if (!PrepareSession(s, o, programDir, log)) return 2;
     CliDialogs ui(log);
@@ -282,7 +321,7 @@ int AnalyseFile(const DetectOptions& o, const std::string& file, bool several,
             status = 1;
         }
     }
-    if (!WriteTables(s, o, file, several, log)) status = 1;
+    if (!WriteTables(s, o, file, several, log, data)) status = 1;
     return status;
 }
 
@@ -295,11 +334,22 @@ int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& program
     AnswerReplaceWithYes(ui);
     ui.context = [&s] { return s.Label11; };
     if (s.options.FilterOn) InstallDigitalFilter(s, ui);
-    std::vector<std::filesystem::path> files(o.files.begin(), o.files.end());
+    // A pipe or device in the list would hold the batch at its open; it is left out.
+    int status = 0;
+    std::vector<std::filesystem::path> files;
+    for (const std::string& f : o.files) {
+        if (IsSpecialFile(f)) {
+            err << EscapeForTerminal(std::filesystem::path(f).filename().string()) << ": "
+                << NotARegularFile(f).value_or("") << ", skipped\n";
+            status = 1;
+            continue;
+        }
+        files.emplace_back(f);
+    }
     const BatchReport report = RunBatch(s, ui, files);
     ui.FlushRepeats();
     // A message (bad parameters, a filter it cannot design) means the results need a look.
-    int status = ui.messages > 0 ? 1 : 0;
+    if (ui.messages > 0) status = 1;
     for (const BatchFileOutcome& f : report.files) {
         for (const std::string& w : f.warnings) err << "warning: " << w << '\n';
         const std::string name = f.file.filename().string();
@@ -332,7 +382,17 @@ int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& program
     return status;
 }
 
-int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& err) {
+int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, std::ostream& out,
+              std::ostream& err) {
+    // The settings are checked once, before any file: a settings file that cannot be read
+    // ends the run without a result written.
+    {
+        Session probe;
+        if (!PrepareSession(probe, o, programDir, err)) return 2;
+    }
+    std::vector<std::string> inputs = o.files;
+    inputs.insert(inputs.end(), {o.ini, o.par});
+    if (RefuseClashes(PlannedOutputs(o), inputs, err)) return 2;
     if (o.desktopBatch) return RunDesktopBatch(o, programDir, err);
     const bool several = o.files.size() > 1;
     const bool tty = ::isatty(STDERR_FILENO) && &err == &std::cerr;
@@ -341,15 +401,17 @@ int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, s
         int status = 0;
         for (const std::string& file : o.files) {
             std::ostringstream log;
-            int st = AnalyseFile(o, file, several, programDir, tty ? err : log, tty);
+            int st = AnalyseFile(o, file, several, programDir, tty ? err : log, out, tty);
             err << log.str();
             if (st == 2) return 2;
             status = std::max(status, st);
         }
         return status;
     }
-    // Each file in its own session on its own thread; the reports come out in file order.
+    // Each file in its own session on its own thread; the reports and what goes to standard
+    // output come out in file order.
     std::vector<std::ostringstream> logs(o.files.size());
+    std::vector<std::ostringstream> data(o.files.size());
     std::vector<int> codes(o.files.size(), 0);
     std::atomic<std::size_t> next{0};
     std::vector<std::thread> workers;
@@ -357,7 +419,8 @@ int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, s
         workers.emplace_back([&] {
             for (std::size_t i; (i = next.fetch_add(1)) < o.files.size();) {
                 try {
-                    codes[i] = AnalyseFile(o, o.files[i], several, programDir, logs[i], false);
+                    codes[i] = AnalyseFile(o, o.files[i], several, programDir, logs[i], data[i],
+                                           false);
                 } catch (const std::exception& e) {
                     logs[i] << "error: " << o.files[i] << ": " << e.what() << '\n';
                     codes[i] = 1;
@@ -368,6 +431,7 @@ int RunDetect(const DetectOptions& o, const std::filesystem::path& programDir, s
     for (auto& t : workers) t.join();
     int status = 0;
     for (std::size_t i = 0; i < o.files.size(); ++i) {
+        out << data[i].str();
         err << logs[i].str();
         status = std::max(status, codes[i]);
     }
@@ -382,6 +446,14 @@ int RunEvents(const std::string& file, const DetectOptions& o, std::ostream& out
         err << "error: " << file << ": no such file\n";
         return 1;
     }
+    if (const auto reason = NotARegularFile(file)) {
+        err << "error: " << file << " cannot be opened: " << *reason << '\n';
+        return 1;
+    }
+    std::vector<PlannedOutput> planned;
+    if (!o.csv.empty()) planned.push_back({o.csv, file, "CSV table"});
+    if (!o.grid.empty()) planned.push_back({o.grid, file, "grid"});
+    if (RefuseClashes(planned, {file}, err)) return 2;
     std::vector<std::uint8_t> head(kAbfHeaderSize);
     try {
         FileSource(file).Read(0, head);
@@ -398,10 +470,8 @@ int RunEvents(const std::string& file, const DetectOptions& o, std::ostream& out
     CliDialogs ui(err);  // the conversion question of an older file is answered No
     if (!OpenForCli(s, ui, file, o.channel, err)) return 1;
     err << std::filesystem::path(file).filename().string() << ": " << s.events.EventCount()
-        << " events of " << s.Label11 << '\n';
-    std::ostringstream log;
-    const bool ok = WriteTables(s, o, file, false, log);
-    out << log.str();
+        << " events of " << EscapeForTerminal(s.Label11) << '\n';
+    const bool ok = WriteTables(s, o, file, false, err, out);
     if (o.csv.empty() && o.grid.empty()) out << EventCsv(s.events);
     return ok ? 0 : 1;
 }
@@ -411,8 +481,9 @@ int RunInfo(const std::string& file, std::optional<int> channel, std::ostream& o
     Session s;
     CliDialogs ui(err);
     if (!OpenForCli(s, ui, file, channel, err)) return 1;
-    out << DatInfoTitle(s) << '\n';
-    for (const auto& [label, value] : DatInfoRows(s)) out << label << '\t' << value << '\n';
+    out << EscapeForTerminal(DatInfoTitle(s)) << '\n';
+    for (const auto& [label, value] : DatInfoRows(s))
+        out << label << '\t' << EscapeForTerminal(value) << '\n';
     return 0;
 }
 
@@ -437,7 +508,8 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
         "detect",
         "Detect events: open each file as the desktop does, analyse the first screen, then "
         "non-stop to the end, and save NAME.EVT beside each data file (an existing one is "
-        "replaced)");
+        "replaced). A run whose outputs would share a file (two data files named alike) is "
+        "refused before anything is written");
     detect->add_option("FILE", d.files, "ABF data files")->required();
     detect->add_option("--channel", d.channel,
                        "Channel to analyse (0-based); above the last it is clamped");
@@ -481,10 +553,12 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
                      "low-pass, 7 high-pass; order 8, causal");
     auto* csvOpt = detect->add_option("--csv", d.csv,
                                       "Write the stored fields of every event as CSV (an "
-                                      "existing folder when several files are given)");
+                                      "existing folder when several files are given; \"-\" "
+                                      "for standard output)");
     auto* gridOpt = detect->add_option("--grid", d.grid,
                                        "Write the table as the grid shows it, tab-separated (an "
-                                       "existing folder when several files are given)");
+                                       "existing folder when several files are given; \"-\" "
+                                       "for standard output)");
     batchOpt->excludes(jobsOpt)->excludes(noEvtOpt)->excludes(csvOpt)->excludes(gridOpt);
 
     std::string eventsFile;
@@ -521,7 +595,7 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
 
     if (*run) return RunScriptCommand(runOptions, programDir, out, err);
     if (*info) return RunInfo(infoFile, infoChannel, out, err);
-    if (*detect) return RunDetect(d, programDir, err);
+    if (*detect) return RunDetect(d, programDir, out, err);
     if (*events) return RunEvents(eventsFile, ev, out, err);
     if (*settings) {
         Session s;

@@ -1,6 +1,7 @@
 #include "app/cli/cli_dialogs.h"
 
 #include <ostream>
+#include <string>
 #include <utility>
 
 namespace ardel::cli {
@@ -22,7 +23,42 @@ const char* AnswerText(Answer a) {
     }
 }
 
+// Length of the valid UTF-8 sequence at text[i] that prints as a character, or 0.
+std::size_t PrintableSequence(std::string_view text, std::size_t i) {
+    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
+    const unsigned char lead = byte(i);
+    std::size_t n = 0;
+    if (lead >= 0x20 && lead < 0x7F) return 1;
+    if (lead >= 0xC2 && lead <= 0xDF) n = 2;
+    else if (lead >= 0xE0 && lead <= 0xEF) n = 3;
+    else if (lead >= 0xF0 && lead <= 0xF4) n = 4;
+    else return 0;
+    if (i + n > text.size()) return 0;
+    for (std::size_t k = 1; k < n; ++k)
+        if ((byte(i + k) & 0xC0) != 0x80) return 0;
+    if (lead == 0xC2 && byte(i + 1) < 0xA0) return 0;  // C1 control characters
+    return n;
+}
+
 }  // namespace
+
+std::string EscapeForTerminal(std::string_view text) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        if (const std::size_t n = PrintableSequence(text, i)) {
+            out.append(text.substr(i, n));
+            i += n;
+            continue;
+        }
+        const auto b = static_cast<unsigned char>(text[i++]);
+        out += "\\x";
+        out += digits[b >> 4];
+        out += digits[b & 0xF];
+    }
+    return out;
+}
 
 CliDialogs::~CliDialogs() {
     FlushRepeats();
@@ -30,7 +66,7 @@ CliDialogs::~CliDialogs() {
 
 std::string CliDialogs::Prefix() const {
     std::string name = context ? context() : std::string();
-    return name.empty() ? name : name + ": ";
+    return name.empty() ? name : EscapeForTerminal(name) + ": ";
 }
 
 void CliDialogs::FlushRepeats() {
@@ -43,7 +79,7 @@ void CliDialogs::FlushRepeats() {
 void CliDialogs::Message(std::string_view title, std::string_view text) {
     ++messages;
     std::string line = Prefix();
-    line.append(title).append(": ").append(text);
+    line.append(EscapeForTerminal(title)).append(": ").append(EscapeForTerminal(text));
     // A scan that meets bad parameters says so on every screen; once is enough here.
     if (line == lastMessage_) {
         ++repeats_;
@@ -61,7 +97,8 @@ Answer CliDialogs::Ask(std::string_view title, std::string_view text, Buttons bu
     const Answer a = SilentDialogs::Ask(title, text, buttons, defaultAnswer);
     FlushRepeats();
     lastMessage_.clear();
-    err_ << Prefix() << title << ": " << text << " [answered " << AnswerText(a) << "]\n";
+    err_ << Prefix() << EscapeForTerminal(title) << ": " << EscapeForTerminal(text) << " [answered "
+         << AnswerText(a) << "]\n";
     return a;
 }
 

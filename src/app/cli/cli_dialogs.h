@@ -13,6 +13,11 @@
 
 namespace ardel::cli {
 
+// Text from a file (a stored name, a comment, a unit) as it may go to a terminal: control bytes
+// and bytes that are no valid UTF-8 (NUL, 0xFF ...) are shown as \xNN instead of being sent raw,
+// where they could cut the line or drive the terminal.
+std::string EscapeForTerminal(std::string_view text);
+
 class CliDialogs : public SilentDialogs {
   public:
     explicit CliDialogs(std::ostream& err) : err_(err) {}
