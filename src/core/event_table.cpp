@@ -190,4 +190,21 @@ std::string EventCsvLine(const EventRecord& e) {
     return s;
 }
 
+std::string GridText(const EventTable& table, const Recording& recording) {
+    std::string text;
+    for (int c = 0; c < kGridColumns; ++c) {
+        if (c) text += '\t';
+        text += GridCaption(table, c);
+    }
+    text += '\n';
+    for (std::int32_t n = 1; n <= table.EventCount(); ++n) {
+        for (int c = 0; c < kGridColumns; ++c) {
+            if (c) text += '\t';
+            text += GridCellText(table, recording, n, c).value_or("");
+        }
+        text += '\n';
+    }
+    return text;
+}
+
 }  // namespace ardel

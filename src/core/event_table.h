@@ -102,6 +102,10 @@ std::string GridCaption(const EventTable& table, int column);
 std::optional<std::string> GridCellText(const EventTable& table, const Recording& recording,
                                         std::int32_t row, int column);
 
+// The whole grid as it shows: the captions line, then one line per event, cells separated by
+// tabs, each line ended by a line feed.
+std::string GridText(const EventTable& table, const Recording& recording);
+
 // The names of the stored fields, in record order, as the CSV export heads its columns.
 extern const std::array<const char*, 20> kEventFieldNames;
 // One CSV line of the stored fields (floats with 9 significant digits, so they read back

@@ -109,23 +109,6 @@ void ControlRegistry::AddSlider(std::string name, std::int32_t& field) {
          [&field](std::string_view v) { field = ToInt32Clamped(Val(v)); }});
 }
 
-std::string GridText(const Session& s) {
-    std::string text;
-    for (int c = 0; c < kGridColumns; ++c) {
-        if (c) text += '\t';
-        text += GridCaption(s.events, c);
-    }
-    text += '\n';
-    for (std::int32_t n = 1; n <= s.events.EventCount(); ++n) {
-        for (int c = 0; c < kGridColumns; ++c) {
-            if (c) text += '\t';
-            text += GridCellText(s.events, s.recording, n, c).value_or("");
-        }
-        text += '\n';
-    }
-    return text;
-}
-
 void RegisterMainFormControls(ControlRegistry& r, Forms& forms, const Session& s) {
     MainForm& f = forms.main;
     r.AddText("DirListBoxFETCH", f.DirListBoxFETCH);
@@ -164,7 +147,7 @@ void RegisterMainFormControls(ControlRegistry& r, Forms& forms, const Session& s
     r.AddCombo("Combo5", f.Combo5);
     r.AddComboIndex("SSTab1", f.SSTab1, {"Analysis", "Options"});
     r.AddLabel("StatusText", f.StatusText);
-    r.Add("TDBGrid1", {ControlKind::Grid, [&s] { return GridText(s); }, {}});
+    r.Add("TDBGrid1", {ControlKind::Grid, [&s] { return GridText(s.events, s.recording); }, {}});
 
     DatInfoForm& d = forms.datInfo;
     r.Add("DatInfo.Grid1", {ControlKind::Grid,

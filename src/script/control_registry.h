@@ -60,8 +60,6 @@ class ControlRegistry {
 // "True"/"False" or "1"/"0" (any case); anything else is a ControlValueError.
 bool CheckValue(std::string_view text);
 
-// The event grid as it shows: the captions line, then one line per event.
-std::string GridText(const Session& s);
 
 // The main form's controls and the header window's grid.
 void RegisterMainFormControls(ControlRegistry& r, Forms& forms, const Session& s);

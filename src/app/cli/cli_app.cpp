@@ -130,23 +130,6 @@ std::string EventCsv(const EventTable& t) {
     return text;
 }
 
-std::string EventGrid(const Session& s) {
-    std::string text;
-    for (int c = 0; c < kGridColumns; ++c) {
-        if (c) text += '\t';
-        text += GridCaption(s.events, c);
-    }
-    text += '\n';
-    for (std::int32_t n = 1; n <= s.events.EventCount(); ++n) {
-        for (int c = 0; c < kGridColumns; ++c) {
-            if (c) text += '\t';
-            text += GridCellText(s.events, s.recording, n, c).value_or("");
-        }
-        text += '\n';
-    }
-    return text;
-}
-
 // "-" is standard output; a pipe or device is written as it is, anything else replaced safely.
 bool WriteText(const std::string& path, const std::string& text, std::ostream& err,
                std::ostream& data) {
@@ -220,7 +203,7 @@ bool WriteTables(const Session& s, const DetectOptions& o, const std::string& fi
             log << said << path << '\n';
     };
     write(o.csv, ".csv", EventCsv(s.events), "events written to ");
-    write(o.grid, ".txt", EventGrid(s), "grid written to ");
+    write(o.grid, ".txt", GridText(s.events, s.recording), "grid written to ");
     return ok;
 }
 
