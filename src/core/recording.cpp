@@ -41,9 +41,13 @@ FileSource::~FileSource() {
 }
 
 std::uint64_t FileSource::Size() const {
-    struct stat st {};
-    if (::fstat(fd_, &st) != 0) return 0;
-    return std::uint64_t(st.st_size);
+    // Taken once: every screen load asks, and a system call per load costs more than
+    // scanning the screen itself does.
+    if (!size_) {
+        struct stat st {};
+        size_ = ::fstat(fd_, &st) == 0 ? std::uint64_t(st.st_size) : 0;
+    }
+    return *size_;
 }
 
 void FileSource::Read(std::int64_t offset, std::span<std::uint8_t> dest) const {

@@ -47,6 +47,7 @@ public:
 
 private:
     int fd_ = -1;
+    mutable std::optional<std::uint64_t> size_;
 };
 
 struct Recording {
