@@ -1,5 +1,5 @@
 // Non-stop detection over a long synthetic recording: 60 minutes at 20 kHz, one channel,
-// default parameters, as F9 then F11 would run it. Reports samples per second and the peak
+// default parameters, as F9 then F11 would run it, without and with the digital filter. Reports samples per second and the peak
 // resident memory, which must not grow with the recording's length.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
@@ -8,6 +8,7 @@
 #include <map>
 
 #include "core/open_file.h"
+#include "detect/digital_filter.h"
 #include "detect/window_analysis.h"
 #include "tools/demo_synth.h"
 
@@ -34,13 +35,20 @@ long PeakRssKb() {
     return u.ru_maxrss;
 }
 
-void NonStopDetection(benchmark::State& state) {
+void Detect(benchmark::State& state, bool filter) {
     const auto file = Recording(int(state.range(0)));
     std::int64_t samples = 0;
     std::int32_t events = 0;
     for (auto _ : state) {
         ardel::Session s;
         ardel::SilentDialogs ui;
+        if (filter) {
+            // The default filter of the settings: the order-8 low-pass inverse Chebyshev.
+            s.options.FilterOn = true;
+            s.options.FilterType = 4;
+            s.options.FilterFreq = "2000";
+            ardel::InstallDigitalFilter(s, ui);
+        }
         if (!ardel::OpenDataFile(s, ui, file)) {
             state.SkipWithError("cannot open the recording");
             return;
@@ -56,6 +64,11 @@ void NonStopDetection(benchmark::State& state) {
     state.counters["peak_rss_MiB"] = double(PeakRssKb()) / 1024.0;
 }
 
+void NonStopDetection(benchmark::State& state) { Detect(state, false); }
+// As with --filter: every screen is filtered before it is analysed.
+void NonStopDetectionFiltered(benchmark::State& state) { Detect(state, true); }
+
 }  // namespace
 
 BENCHMARK(NonStopDetection)->Arg(10)->Arg(60)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(NonStopDetectionFiltered)->Arg(10)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -41,9 +41,13 @@ FileSource::~FileSource() {
 }
 
 std::uint64_t FileSource::Size() const {
-    struct stat st {};
-    if (::fstat(fd_, &st) != 0) return 0;
-    return std::uint64_t(st.st_size);
+    // Taken once: every screen load asks, and a system call per load costs more than
+    // scanning the screen itself does.
+    if (!size_) {
+        struct stat st {};
+        size_ = ::fstat(fd_, &st) == 0 ? std::uint64_t(st.st_size) : 0;
+    }
+    return *size_;
 }
 
 void FileSource::Read(std::int64_t offset, std::span<std::uint8_t> dest) const {
@@ -82,10 +86,23 @@ void Recording::DimensionBuffers() {
     // conversion to an integer.
     double points = RoundHalfEven(double(BlocksPerScreen) * 256.0);
     screenPoints_ = std::max<std::int32_t>(1, ToInt32Clamped(points));
-    const std::size_t n = std::size_t(screenPoints_) * std::size_t(channels_);
-    PreviousScreen.assign(n, 0);
-    CurrentScreen.assign(n, 0);
-    NextScreen.assign(n, 0);
+    // Nothing held: every point reads as 0.
+    PreviousScreen.clear();
+    CurrentScreen.clear();
+    NextScreen.clear();
+    PreviousScreen.shrink_to_fit();
+    CurrentScreen.shrink_to_fit();
+    NextScreen.shrink_to_fit();
+}
+
+std::int32_t Recording::FillablePoints(std::int64_t offset) const {
+    if (!source) return 0;
+    const std::int64_t size = std::int64_t(std::min<std::uint64_t>(source->Size(), INT64_MAX / 4));
+    const std::int64_t pointBytes = 2 * std::int64_t(channels_);
+    if (offset >= size) return 0;
+    // Zeros before the file's start are held too: they lie before the bytes that are.
+    const std::int64_t bytes = size - offset;
+    return std::int32_t(std::min<std::int64_t>((bytes + pointBytes - 1) / pointBytes, screenPoints_));
 }
 
 std::int64_t Recording::ScreenByteOffset(double screenBlock) const {
@@ -97,21 +114,75 @@ std::int64_t Recording::ScreenByteOffset(double screenBlock) const {
 }
 
 void Recording::LoadScreens() {
-    const std::size_t n = std::size_t(screenPoints_) * std::size_t(channels_);
-    if (CurrentScreen.size() != n) DimensionBuffers();
+    const std::size_t stride = std::size_t(channels_);
+    if (CurrentScreen.size() % stride != 0 || CurrentScreen.size() > std::size_t(screenPoints_) * stride)
+        DimensionBuffers();
     // Current over previous on every load, however far ScreenBlock moved: after a jump the
     // look-back sees the screen shown last, not the neighbour of the new one.
-    std::copy(CurrentScreen.begin(), CurrentScreen.end(), PreviousScreen.begin());
-    if (!source) {
-        std::fill(CurrentScreen.begin(), CurrentScreen.end(), std::int16_t(0));
-        std::fill(NextScreen.begin(), NextScreen.end(), std::int16_t(0));
-        return;
-    }
-    auto asBytes = [](std::vector<std::int16_t>& v) {
-        return std::span<std::uint8_t>(reinterpret_cast<std::uint8_t*>(v.data()), v.size() * 2);
+    PreviousScreen.assign(CurrentScreen.begin(), CurrentScreen.end());
+    auto load = [&](std::vector<std::int16_t>& buffer, double block) {
+        const std::int64_t offset = ScreenByteOffset(block);
+        buffer.assign(std::size_t(FillablePoints(offset)) * stride, 0);
+        if (buffer.empty()) return;
+        source->Read(offset, std::span<std::uint8_t>(reinterpret_cast<std::uint8_t*>(buffer.data()),
+                                                     buffer.size() * 2));
     };
-    source->Read(ScreenByteOffset(ScreenBlock), asBytes(CurrentScreen));
-    source->Read(ScreenByteOffset(ScreenBlock + BlocksPerScreen), asBytes(NextScreen));
+    load(CurrentScreen, ScreenBlock);
+    load(NextScreen, ScreenBlock + BlocksPerScreen);
+}
+
+bool Recording::ZeroFromNextScreenOn(double screenBlock) const {
+    // Reads move forward with the block, so nothing read at screenBlock means nothing after.
+    if (FillablePoints(ScreenByteOffset(screenBlock)) != 0) return false;
+    auto zeros = [](const std::vector<std::int16_t>& b) {
+        return std::all_of(b.begin(), b.end(), [](std::int16_t v) { return v == 0; });
+    };
+    return zeros(CurrentScreen) && zeros(NextScreen);
+}
+
+Recording::Run Recording::NextRun(std::int64_t k, int dir, std::int64_t end,
+                                  std::int64_t reach) const {
+    if ((end - k) * dir < 0) return {};
+    const std::int64_t n = screenPoints_;
+    // The stretches that read as 0, in index order: before the buffers, the unheld tails of
+    // the three screens, after the buffers. Neighbouring ones join.
+    std::int64_t zero[5][2];
+    int count = 0;
+    auto add = [&](std::int64_t from, std::int64_t to) {
+        if (from > to) return;
+        if (count > 0 && zero[count - 1][1] + 1 >= from) {
+            zero[count - 1][1] = std::max(zero[count - 1][1], to);
+            return;
+        }
+        zero[count][0] = from;
+        zero[count][1] = to;
+        ++count;
+    };
+    constexpr std::int64_t kFar = std::int64_t(1) << 62;
+    add(-kFar, -n - 1);
+    add(-n + HeldPoints(PreviousScreen), -1);
+    add(HeldPoints(CurrentScreen), n - 1);
+    add(n + HeldPoints(NextScreen), 2 * n - 1);
+    add(2 * n, kFar);
+    // A point is in a zero run when its window k-reach .. k+reach lies in one stretch, that is
+    // k in the stretch shrunk by reach at both ends.
+    std::int64_t runEnd = 0;
+    bool inZero = false;
+    std::int64_t nextZero = dir > 0 ? kFar : -kFar;  // nearest zero run ahead of k
+    for (int z = 0; z < count; ++z) {
+        const std::int64_t from = zero[z][0] + reach, to = zero[z][1] - reach;
+        if (from > to) continue;
+        if (k >= from && k <= to) {
+            inZero = true;
+            runEnd = dir > 0 ? to : from;
+            break;
+        }
+        if (dir > 0 && from > k) nextZero = std::min(nextZero, from - 1);
+        if (dir < 0 && to < k) nextZero = std::max(nextZero, to + 1);
+    }
+    if (!inZero) runEnd = nextZero;
+    if ((end - runEnd) * dir < 0) runEnd = end;
+    return {(runEnd - k) * dir + 1, inZero};
 }
 
 std::optional<std::int16_t> Recording::GetAverageValue(std::int32_t i, std::int32_t n,

@@ -47,6 +47,7 @@ public:
 
 private:
     int fd_ = -1;
+    mutable std::optional<std::uint64_t> size_;
 };
 
 struct Recording {
@@ -69,7 +70,10 @@ struct Recording {
     std::vector<AbfTag> TagRecords;
 
     // The three screen buffers, channel fastest as in the file: sample of channel c at point
-    // i is buffer[i * channels + c]. Their point count is ScreenPoints().
+    // i is buffer[i * channels + c]. Each screen is ScreenPoints() long, but a buffer holds only
+    // the points the file could fill (and what the filter wrote beyond them); the points past
+    // its end read as 0, as they would from a zero-filled buffer. A screen of 32767 Blocks of
+    // 16 channels would otherwise take 800 MB for a file of a few.
     std::vector<std::int16_t> PreviousScreen, CurrentScreen, NextScreen;
 
     std::shared_ptr<const SampleSource> source;
@@ -77,14 +81,25 @@ struct Recording {
     std::vector<std::string> warnings;
 
     int Channels() const { return header.nADCNumChannels; }
+    // Samples per point in the buffers: the channels, at least 1.
+    int Stride() const { return channels_; }
+    // Points held by a buffer; the rest of its screen reads as 0.
+    std::int32_t HeldPoints(const std::vector<std::int16_t>& buffer) const {
+        return std::int32_t(buffer.size() / std::size_t(channels_));
+    }
     // Points of one channel on a screen: BlocksPerScreen x 256, at least 1.
     std::int32_t ScreenPoints() const { return screenPoints_; }
 
-    // Dimensions the three buffers afresh (zeros) for the current BlocksPerScreen and channels.
+    // Dimensions the three buffers afresh (all points 0) for the current BlocksPerScreen and
+    // channels.
     void DimensionBuffers();
     // The loading rule of every redraw: current over previous, then current and next read
     // from the file at ScreenBlock.
     void LoadScreens();
+    // True when a screen starting at screenBlock, and every one after it, reads nothing from
+    // the file, and the current and next buffers hold only zeros: from the next load on, all
+    // three buffers read 0 throughout.
+    bool ZeroFromNextScreenOn(double screenBlock) const;
     // Byte position of the screen that starts at the given block.
     std::int64_t ScreenByteOffset(double screenBlock) const;
 
@@ -92,20 +107,24 @@ struct Recording {
     // -N .. 2N-1.
     std::int16_t GetSampleValue(std::int32_t i) const {
         const std::int32_t n = screenPoints_;
-        const int ch = ChannelIndex;
-        const int stride = channels_;
+        const std::size_t ch = ChannelIndex;
+        const std::size_t stride = std::size_t(channels_);
+        // A point past what a buffer holds reads as 0: the index test covers both.
         if (i < 0) {
-            std::int32_t j = i + n;
-            return j >= 0 ? PreviousScreen[std::size_t(j) * stride + ch] : std::int16_t(0);
+            const std::int32_t j = i + n;
+            if (j < 0) return 0;
+            const std::size_t at = std::size_t(j) * stride + ch;
+            return at < PreviousScreen.size() ? PreviousScreen[at] : std::int16_t(0);
         }
         if (i >= n) {
-            std::int32_t j = i - n;
-            return j < n ? NextScreen[std::size_t(j) * stride + ch] : std::int16_t(0);
+            const std::size_t at = std::size_t(i - n) * stride + ch;
+            return at < NextScreen.size() ? NextScreen[at] : std::int16_t(0);
         }
-        return CurrentScreen[std::size_t(i) * stride + ch];
+        const std::size_t at = std::size_t(i) * stride + ch;
+        return at < CurrentScreen.size() ? CurrentScreen[at] : std::int16_t(0);
     }
-    // Calls f(firstIndex, pointer, count, stride) for the pieces of first..last that lie in the
-    // buffers, in index order; points outside the buffers (which read as 0) are passed over.
+    // Calls f(firstIndex, pointer, count, stride) for the pieces of first..last that the buffers
+    // hold, in index order; the points between them read as 0 and are passed over.
     template <typename F>
     void VisitSamples(std::int32_t first, std::int32_t last, F&& f) const {
         const std::int32_t n = screenPoints_;
@@ -114,13 +133,23 @@ struct Recording {
         for (int b = 0; b < 3; ++b) {
             const std::int32_t origin = (b - 1) * n;
             const std::int32_t from = std::max(first, origin);
-            const std::int32_t to = std::min(last, origin + n - 1);
+            const std::int32_t to = std::min(last, origin + HeldPoints(*buffers[b]) - 1);
             if (from > to) continue;
             f(from, buffers[b]->data() + std::size_t(from - origin) * channels_ + ChannelIndex,
               to - from + 1, channels_);
         }
     }
     bool InBuffers(std::int64_t i) const { return i >= -screenPoints_ && i < 2LL * screenPoints_; }
+
+    // From point k, stepping by dir (+1 or -1) and not past `end`: how many points in a row
+    // share whether they and their `reach` neighbours on each side all read as 0 for lack of
+    // anything held there (zero = true), or not. A walk over a zero run can count it instead of
+    // stepping through it. count is 0 when end lies behind k.
+    struct Run {
+        std::int64_t count = 0;
+        bool zero = false;
+    };
+    Run NextRun(std::int64_t k, int dir, std::int64_t end, std::int64_t reach) const;
 
     // Sum of points i-n .. i+n divided by the NumberPointsPeak setting, halves to even. nullopt
     // where the old program raised an error: a point outside the buffers, a zero divisor, or a
@@ -146,6 +175,8 @@ struct Recording {
 private:
     std::int32_t screenPoints_ = 1024;
     int channels_ = 1;
+    // Points of one channel that the file can fill in a buffer read from byte `offset`.
+    std::int32_t FillablePoints(std::int64_t offset) const;
 };
 
 // TotalBlocks as the open sequence computes it: whole Blocks of one channel, at least 1.

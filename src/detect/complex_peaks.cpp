@@ -16,6 +16,31 @@ std::int32_t Index(double v) {
     return ToInt32Clamped(RoundHalfEven(v));
 }
 
+// The peak search on averages from `from` to `to`: the first strictly beyond V wins. An average
+// that cannot be taken (its points reach outside the buffers) leaves the last one taken in `a`,
+// which is compared all the same; over a run of such points only the first can win, so the
+// run is taken as its first point and the search costs no more than the buffers hold.
+void PeakOnAverages(const Recording& rec, int D, std::int32_t h, std::int32_t npp,
+                    std::int32_t from, std::int32_t to, double& a, double& V, std::int32_t& P) {
+    const std::int64_t n = rec.ScreenPoints();
+    const std::int64_t lo = -n + std::int64_t(h), hi = 2 * n - 1 - std::int64_t(h);
+    for (std::int64_t k = from; k <= to;) {
+        const bool fails = h < 0 || k < lo || k > hi;
+        if (!fails)
+            if (auto x = rec.GetAverageValue(std::int32_t(k), h, npp)) a = *x;
+        if (D * a > D * V) {
+            V = a;
+            P = std::int32_t(k);
+        }
+        if (fails && k < lo)
+            k = std::max(k + 1, std::min<std::int64_t>(lo, std::int64_t(to) + 1));
+        else if (fails)
+            break;  // beyond the buffers' end: the rest fails too
+        else
+            ++k;
+    }
+}
+
 }  // namespace
 
 bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) {
@@ -61,43 +86,36 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         const std::int32_t kFrom = Index(p0 + q4 * maxD / 4 + 1);
         const std::int32_t kTo = Index(p0 + (q4 + 1) * maxD / 4);
         std::int32_t q = kFrom;
-        for (std::int32_t k = kFrom; k <= kTo; ++k) {
-            const double x = c.Sample(k);
+        // Over points that read 0 for lack of anything held, only the first can be strictly
+        // lower, so a run of them is taken as its first point.
+        auto lower = [&](std::int32_t k, double x) {
             if (D * x < D * T) {
                 T = x;
                 q = k;
             }
-        }
+        };
+        Walk(rec, kFrom, 1, kTo, 0, [&](std::int32_t k) {
+            lower(k, c.Sample(k));
+            return false;
+        }, [&](std::int64_t k, std::int64_t) {
+            lower(std::int32_t(k), 0);
+            return true;
+        });
         // Peak behind the trough, on smoothed values, then refined around it.
         double V = T;
         std::int32_t P = q;
-        const std::int32_t peakTo = Index(q + leadD);
-        for (std::int32_t k = q; k <= peakTo; ++k) {
-            if (auto x = rec.GetAverageValue(k, h, npp)) a = *x;
-            if (D * a > D * V) {
-                V = a;
-                P = k;
-            }
-        }
-        const std::int32_t refFrom = Index(P - maxD / 8 + 1);
-        const std::int32_t refTo = Index(P + maxD / 8);
-        for (std::int32_t k = refFrom; k <= refTo; ++k) {
-            if (auto x = rec.GetAverageValue(k, h, npp)) a = *x;
-            if (D * a > D * V) {
-                V = a;
-                P = k;
-            }
-        }
+        PeakOnAverages(rec, D, h, npp, q, Index(q + leadD), a, V, P);
+        PeakOnAverages(rec, D, h, npp, Index(P - maxD / 8 + 1), Index(P + maxD / 8), a, V, P);
         // Trough again, between the parent's peak and the new one, on three-point means.
         T = c.Sample(p0);
         q = p0 + 1;
-        for (std::int32_t k = p0 + 1; k <= P; ++k) {
-            const double x = Int(c.Sample(k + 1) / 3.0 + c.Sample(k - 1) / 3.0 + c.Sample(k) / 3.0);
-            if (D * x < D * T) {
-                T = x;
-                q = k;
-            }
-        }
+        Walk(rec, std::int64_t(p0) + 1, 1, P, 1, [&](std::int32_t k) {
+            lower(k, Int(c.Sample(k + 1) / 3.0 + c.Sample(k - 1) / 3.0 + c.Sample(k) / 3.0));
+            return false;
+        }, [&](std::int64_t k, std::int64_t) {
+            lower(std::int32_t(k), 0);
+            return true;
+        });
 
         const auto u1 = rec.TryBit2pA2(V - T);
         if (!u1 || std::abs(*u1) < prm.ThresholdAmplitude || !(D * V > D * T)) continue;
@@ -130,21 +148,28 @@ bool DetectMultiPeak(Session& s, UserDialogs& ui, std::int32_t n, bool replace) 
         // refinement that put the peak before the trough gives a walk that never starts, and
         // the rise start then stays at the peak, as a loop's counter does.
         std::int32_t area = 0;
-        std::int32_t r2 = P;
         const double riseLevel = 0.05 * D * (V - T);
-        for (; r2 >= q; --r2) {
-            const double x = c.Sample(r2);
+        const std::int32_t r2 = std::int32_t(Walk(rec, P, -1, q, 0, [&](std::int32_t k) {
+            const double x = c.Sample(k);
             AddToArea(area, x - base);
-            if (D * (x - T) <= riseLevel) break;
-        }
-        std::int32_t e2 = P + 1;
+            return D * (x - T) <= riseLevel;
+        }, [&](std::int64_t, std::int64_t count) {
+            if (D * (0 - T) <= riseLevel) return false;
+            AddToAreaTimes(area, 0 - base, count);
+            return true;
+        }));
         const std::int32_t decayTo = Index(P + decayD);
         const double decayLevel = std::abs(double(prm.DecayPercent) * amp);
-        for (; e2 <= decayTo; ++e2) {
-            const double x = c.Sample(e2);
+        const std::int32_t e2 = std::int32_t(Walk(rec, std::int64_t(P) + 1, 1, decayTo, 0,
+                                                  [&](std::int32_t k) {
+            const double x = c.Sample(k);
             AddToArea(area, x - base);
-            if (std::abs(x - base) <= decayLevel) break;
-        }
+            return std::abs(x - base) <= decayLevel;
+        }, [&](std::int64_t, std::int64_t count) {
+            if (std::abs(0 - base) <= decayLevel) return false;
+            AddToAreaTimes(area, 0 - base, count);
+            return true;
+        }));
         const auto areaUOpt = rec.TryBit2pA2(area);
         if (!areaUOpt) continue;
         const float areaU = float(std::abs(double(*areaUOpt)) * si / 1000.0);

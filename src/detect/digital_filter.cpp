@@ -178,16 +178,80 @@ struct DesignCache {
     std::optional<IirFilter> filter;
 };
 
+// The cascade run over a stream one sample at a time, all sections at once: each sample goes
+// through the sections in turn with the same arithmetic as a pass of each section over the
+// whole run, so the results are those of IirFilter::Apply to the last bit, while the samples
+// are read, converted and written once.
+class SectionStream {
+public:
+    explicit SectionStream(const IirFilter& f) : sections_(f.sections) {
+        state_.assign(sections_.size(), {0.0, 0.0});
+    }
+    double Next(double x) {
+        for (std::size_t k = 0; k < sections_.size(); ++k) {
+            const Biquad& q = sections_[k];
+            auto& st = state_[k];
+            const double in = x;
+            const double y = q.b0 * in + st[0];
+            st[0] = q.b1 * in - q.a1 * y + st[1];
+            st[1] = q.b2 * in - q.a2 * y;
+            x = y;
+        }
+        return x;
+    }
+
+private:
+    std::vector<Biquad> sections_;
+    std::vector<std::array<double, 2>> state_;
+};
+
+// Four sections, the order of every filter of the list, unrolled.
+template <std::size_t N>
+struct FixedStream {
+    std::array<Biquad, N> q;
+    std::array<double, 2 * N> st{};
+    double Next(double x) {
+        for (std::size_t k = 0; k < N; ++k) {
+            const double in = x;
+            const double y = q[k].b0 * in + st[2 * k];
+            st[2 * k] = q[k].b1 * in - q[k].a1 * y + st[2 * k + 1];
+            st[2 * k + 1] = q[k].b2 * in - q[k].a2 * y;
+            x = y;
+        }
+        return x;
+    }
+};
+
+// One run over the active channel of previous, current and next. The points past what a
+// buffer holds read as 0 going in; a filtered value there that is not 0 extends the buffer.
+template <typename Stream>
+void RunOverScreens(Recording& rec, Stream& stream) {
+    const std::size_t points = std::size_t(rec.ScreenPoints());
+    const std::size_t stride = std::size_t(rec.Stride());
+    const std::size_t ch = rec.ChannelIndex;
+    for (std::vector<std::int16_t>* b : {&rec.PreviousScreen, &rec.CurrentScreen, &rec.NextScreen}) {
+        std::int16_t* data = b->data();
+        const std::size_t held = b->size() / stride;
+        std::size_t i = 0;
+        for (; i < held; ++i) {
+            // A value beyond 16 bits leaves the sample as it was.
+            if (auto v = ToInt16(stream.Next(data[i * stride + ch]))) data[i * stride + ch] = *v;
+        }
+        for (; i < points; ++i) {
+            const auto v = ToInt16(stream.Next(0.0));
+            if (!v || *v == 0) continue;
+            if (b->size() < (i + 1) * stride) {
+                b->resize(std::min(points, std::max(i + 1, 2 * (b->size() / stride))) * stride, 0);
+                data = b->data();
+            }
+            data[i * stride + ch] = *v;
+        }
+    }
+}
+
 void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
     Recording& rec = s.recording;
-    const std::size_t points = std::size_t(rec.ScreenPoints());
-    std::vector<std::int16_t>* buffers[3] = {&rec.PreviousScreen, &rec.CurrentScreen,
-                                             &rec.NextScreen};
-    const std::size_t stride = rec.CurrentScreen.size() / points;
-    const std::size_t ch = rec.ChannelIndex;
-    if (stride == 0 || ch >= stride) return;
-    for (const auto* b : buffers)
-        if (b->size() < points * stride) return;
+    if (std::size_t(rec.ChannelIndex) >= std::size_t(rec.Stride())) return;
 
     const double fs = SamplingFrequency(rec);
     const double fc = Val(s.options.FilterFreq);
@@ -202,15 +266,14 @@ void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
 
     // One run over previous, current and next: the screen shown has a screen of run-in
     // before it.
-    std::vector<double> work(3 * points);
-    for (std::size_t b = 0; b < 3; ++b)
-        for (std::size_t i = 0; i < points; ++i)
-            work[b * points + i] = (*buffers[b])[i * stride + ch];
-    cache.filter->Apply(work);
-    for (std::size_t b = 0; b < 3; ++b)
-        for (std::size_t i = 0; i < points; ++i)
-            // A value beyond 16 bits leaves the sample as it was.
-            if (auto v = ToInt16(work[b * points + i])) (*buffers[b])[i * stride + ch] = *v;
+    if (cache.filter->sections.size() == 4) {
+        FixedStream<4> stream;
+        std::copy(cache.filter->sections.begin(), cache.filter->sections.end(), stream.q.begin());
+        RunOverScreens(rec, stream);
+    } else {
+        SectionStream stream(*cache.filter);
+        RunOverScreens(rec, stream);
+    }
 }
 
 }  // namespace

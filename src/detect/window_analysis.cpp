@@ -91,28 +91,59 @@ std::int64_t SumSamples(const Recording& rec, std::int32_t first, std::int32_t l
 }
 
 Peak ScanExtreme(const Recording& rec, int D, std::int32_t first, std::int32_t last, Peak best) {
-    if (!rec.InBuffers(first) || !rec.InBuffers(last)) {
-        // Points outside the buffers read as 0 and take part in the search like any other.
-        for (std::int32_t k = first; k <= last; ++k) {
-            const std::int16_t x = rec.GetSampleValue(k);
-            if (D * int(x) > D * int(best.value)) best = {k, x};
+    for (std::int64_t k = first; k <= last;) {
+        const Recording::Run run = rec.NextRun(k, 1, last, 0);
+        if (run.zero) {
+            // Points that nothing is held for read as 0 and take part like any other; only
+            // the first of them can be strictly beyond what came before.
+            if (D * 0 > D * int(best.value)) best = {std::int32_t(k), 0};
+        } else {
+            rec.VisitSamples(std::int32_t(k), std::int32_t(k + run.count - 1),
+                             [&](std::int32_t from, const std::int16_t* x, std::int32_t count,
+                                 int stride) {
+                                 if (D > 0)
+                                     ScanRun(from, x, count, stride, best,
+                                             [](std::int16_t a, std::int16_t b) { return a > b; });
+                                 else
+                                     ScanRun(from, x, count, stride, best,
+                                             [](std::int16_t a, std::int16_t b) { return a < b; });
+                             });
         }
-        return best;
+        k += run.count;
     }
-    rec.VisitSamples(first, last,
-                     [&](std::int32_t from, const std::int16_t* x, std::int32_t count, int stride) {
-                         if (D > 0)
-                             ScanRun(from, x, count, stride, best,
-                                     [](std::int16_t a, std::int16_t b) { return a > b; });
-                         else
-                             ScanRun(from, x, count, stride, best,
-                                     [](std::int16_t a, std::int16_t b) { return a < b; });
-                     });
     return best;
 }
 
 void AddToArea(std::int32_t& area, double d) {
     if (auto v = ToInt32(double(area) + d)) area = *v;
+}
+
+void AddToAreaTimes(std::int32_t& area, double d, std::int64_t count) {
+    // Each step rounds area + d with halves to even, so what a step adds depends only on the
+    // parity of the area. After one step the parity is in its cycle (of one or two steps), and
+    // from there every two steps add the same amount until the 32-bit limit is near, where an
+    // overflowing step leaves the area as it is for good.
+    const double margin = 2 * std::abs(d) + 4;
+    while (count > 0) {
+        if (count <= 4) {
+            AddToArea(area, d);
+            --count;
+            continue;
+        }
+        AddToArea(area, d);
+        const std::int64_t before = area;
+        AddToArea(area, d);
+        AddToArea(area, d);
+        count -= 3;
+        const std::int64_t delta = std::int64_t(area) - before;
+        if (delta == 0) return;
+        const double room = delta > 0 ? (double(INT32_MAX) - margin - double(area)) / double(delta)
+                                      : (double(area) - double(INT32_MIN) - margin) / double(-delta);
+        const std::int64_t jumps =
+            room > 0 ? std::min<std::int64_t>(std::int64_t(room), count / 2) : 0;
+        area = std::int32_t(area + jumps * delta);
+        count -= 2 * jumps;
+    }
 }
 
 std::optional<float> AreaUnits(const Recording& rec, std::int32_t area) {
@@ -125,23 +156,33 @@ RiseDecayWalk WalkRiseAndDecay(const DetectContext& c, std::int32_t p, double b,
     const int D = c.D;
     RiseDecayWalk w;
     // Rise start: raw samples back to within 1% of the amplitude.
-    std::int32_t r = p;
-    for (; r >= p - c.counts.LeadPoints; --r) {
-        const double x = c.Sample(r);
+    const double riseLevel = 0.01 * amp;
+    w.riseStart = std::int32_t(Walk(c.rec, p, -1, std::int64_t(p) - c.counts.LeadPoints, 0, [&](std::int32_t k) {
+        const double x = c.Sample(k);
         AddToArea(w.area, x - b);
-        if (D * (x - b) <= 0.01 * amp) break;
-    }
-    w.riseStart = r;
+        return D * (x - b) <= riseLevel;
+    }, [&](std::int64_t, std::int64_t count) {
+        // A stretch of zeros: all stop, or none does.
+        if (D * (0 - b) <= riseLevel) return false;
+        AddToAreaTimes(w.area, 0 - b, count);
+        return true;
+    }));
     // Decay end: three-point smoothed samples down to the fraction.
-    std::int32_t e = p + 1;
     const double decayLevel = double(c.params.DecayPercent) * amp;
-    for (; e <= p + c.counts.DecayPoints; ++e) {
-        const double x = c.Sample(e - 1) / 3.0 + c.Sample(e + 1) / 3.0 + c.Sample(e) / 3.0;
-        w.decayValue = x;
-        AddToArea(w.area, x - b);
-        if (D * (x - b) <= decayLevel) break;
-    }
-    w.decayEnd = e;
+    w.decayEnd = std::int32_t(Walk(c.rec, std::int64_t(p) + 1, 1, std::int64_t(p) + c.counts.DecayPoints, 1,
+                      [&](std::int32_t k) {
+                          const double x =
+                              c.Sample(k - 1) / 3.0 + c.Sample(k + 1) / 3.0 + c.Sample(k) / 3.0;
+                          w.decayValue = x;
+                          AddToArea(w.area, x - b);
+                          return D * (x - b) <= decayLevel;
+                      },
+                      [&](std::int64_t, std::int64_t count) {
+                          if (D * (0 - b) <= decayLevel) return false;
+                          w.decayValue = 0;
+                          AddToAreaTimes(w.area, 0 - b, count);
+                          return true;
+                      }));
     return w;
 }
 
@@ -165,10 +206,20 @@ Peak FindMax(const DetectContext& c, std::int32_t s, std::int32_t len, std::int3
     // wholly inside takes the fast path.
     if (h == 0 && npp == 1 && rec.InBuffers(s) && rec.InBuffers(last))
         return ScanExtreme(rec, c.D, s, last, best);
-    for (std::int32_t k = s; k <= last; ++k) {
-        auto a = rec.GetAverageValue(k, h, npp);
-        if (!a) continue;
-        if (c.D * int(*a) > c.D * int(best.value)) best = {k, *a};
+    // Only the points whose whole average lies in the buffers take part, so the search costs
+    // no more than the buffers hold; the sum slides along instead of being taken afresh.
+    const std::int64_t n = rec.ScreenPoints();
+    const std::int64_t from = std::max<std::int64_t>(s, -n + std::int64_t(h));
+    const std::int64_t to = std::min<std::int64_t>(last, 2 * n - 1 - std::int64_t(h));
+    if (h < 0 || npp == 0 || from > to) return best;
+    std::int64_t sum = SumSamples(rec, std::int32_t(from - h), std::int32_t(from + h));
+    for (std::int64_t k = from;; ++k) {
+        // A sum beyond 32 bits or a mean beyond 16 fails, as GetAverageValue does.
+        if (sum >= INT32_MIN && sum <= INT32_MAX)
+            if (auto a = ToInt16(double(sum) / double(npp)))
+                if (c.D * int(*a) > c.D * int(best.value)) best = {std::int32_t(k), *a};
+        if (k == to) break;
+        sum += rec.GetSampleValue(std::int32_t(k + h + 1)) - rec.GetSampleValue(std::int32_t(k - h));
     }
     return best;
 }
@@ -176,18 +227,23 @@ Peak FindMax(const DetectContext& c, std::int32_t s, std::int32_t len, std::int3
 std::int32_t FindArea(const DetectContext& c, std::int32_t first, std::int32_t last,
                       double baseline) {
     std::int32_t area = 0;
-    for (std::int32_t k = first; k <= last; ++k)
+    Walk(c.rec, first, 1, last, 0, [&](std::int32_t k) {
         AddToArea(area, c.Sample(k) - baseline);
+        return false;
+    }, [&](std::int64_t, std::int64_t count) {
+        AddToAreaTimes(area, 0 - baseline, count);
+        return true;
+    });
     return area;
 }
 
 std::int32_t FindTimetoPeak(const DetectContext& c, std::int32_t p, std::int32_t lead,
                             double baseline) {
     const double amp = std::abs(c.Sample(p) - baseline);
-    std::int32_t k = p;
-    for (; k >= p - lead; --k)
-        if (c.D * (c.Sample(k) - baseline) <= 0.01 * amp) break;
-    return k;
+    auto stops = [&](double x) { return c.D * (x - baseline) <= 0.01 * amp; };
+    return std::int32_t(Walk(c.rec, p, -1, std::int64_t(p) - lead, 0,
+                             [&](std::int32_t k) { return stops(c.Sample(k)); },
+                             [&](std::int64_t, std::int64_t) { return !stops(0); }));
 }
 
 namespace {
@@ -200,16 +256,21 @@ double RiseCrossing(const DetectContext& c, std::int32_t from, std::int32_t to, 
     std::int32_t k = 0;
     double x = 0;
     bool found = false;
-    for (std::int32_t j = from; j >= to; --j) {
-        double s = c.Sample(j);
+    Walk(c.rec, from, -1, to, 0, [&](std::int32_t j) {
+        const double s = c.Sample(j);
         if (c.D * (s - b) < level) {
             k = j;
             x = s;
             found = true;
-            break;
+            return true;
         }
         previous = s;
-    }
+        return false;
+    }, [&](std::int64_t, std::int64_t) {
+        if (c.D * (0 - b) < level) return false;  // the first zero stops the walk
+        previous = 0;
+        return true;
+    });
     if (!found) {
         k = 0;
         x = 0;
@@ -240,13 +301,12 @@ float Detect1090Rise(const DetectContext& c, std::int32_t p, double v, std::int3
 std::optional<std::int16_t> Detect50RiseTime(const DetectContext& c, std::int32_t p, double v,
                                              std::int32_t r, double b) {
     const double t50 = 0.5 * c.D * v - 0.5 * c.D * b;
-    std::int32_t k50 = 0;
-    for (std::int32_t k = p; k >= r; --k) {
-        if (c.D * (c.Sample(k) - b) < t50) {
-            k50 = k;
-            break;
-        }
-    }
+    auto stops = [&](double x) { return c.D * (x - b) < t50; };
+    const std::int64_t end = Walk(c.rec, p, -1, r, 0,
+                                  [&](std::int32_t k) { return stops(c.Sample(k)); },
+                                  [&](std::int64_t, std::int64_t) { return !stops(0); });
+    // A walk that finds nothing counts as having found point 0.
+    const std::int64_t k50 = end < r ? 0 : end;
     return ToInt16(double(p) - double(k50));
 }
 
@@ -271,20 +331,28 @@ float DetectHalfWidth(const DetectContext& c, std::int32_t p, double v, std::int
 
     double previous = x1;
     const std::int32_t last = ToInt32Clamped(RoundHalfEven(p + n - 1));
-    for (std::int32_t j = p + 1; j <= last; ++j) {
-        const double x = c.Sample(j);
-        if (D * (x - b) < t50) {
-            slope = x - previous;
-            double cR;
-            if (slope == 0) {
-                cR = j;
-            } else {
-                const double intercept = x - j * slope;
-                cR = (l50 - intercept) / slope;
-            }
-            return float((cR - cL) * si / 1000.0);
-        }
+    auto stops = [&](double x) { return D * (x - b) < t50; };
+    const std::int64_t j = Walk(c.rec, std::int64_t(p) + 1, 1, last, 0, [&](std::int32_t at) {
+        const double x = c.Sample(at);
+        if (stops(x)) return true;
         previous = x;
+        return false;
+    }, [&](std::int64_t, std::int64_t) {
+        if (stops(0)) return false;
+        previous = 0;
+        return true;
+    });
+    if (j <= last) {
+        const double x = c.Sample(std::int32_t(j));
+        slope = x - previous;
+        double cR;
+        if (slope == 0) {
+            cR = double(j);
+        } else {
+            const double intercept = x - double(j) * slope;
+            cR = (l50 - intercept) / slope;
+        }
+        return float((cR - cL) * si / 1000.0);
     }
     return float((p + n - cL) * si / 1000.0);
 }
@@ -317,17 +385,28 @@ std::int32_t DetectPrepeak(const DetectContext& c, std::int32_t p) {
     // The rise limit compares a deviation in bits with a limit in amplitude units; it has
     // always done so.
     std::int32_t area = 0;
-    for (std::int32_t k = q; k >= q - lead; --k) {
+    const double riseLimit = 0.05 * double(*a2u);
+    Walk(rec, q, -1, std::int64_t(q) - lead, 0, [&](std::int32_t k) {
         const double x = c.Sample(k);
         AddToArea(area, x - b2);
-        if (D * (x - b2) <= 0.05 * double(*a2u)) break;
-    }
+        return D * (x - b2) <= riseLimit;
+    }, [&](std::int64_t, std::int64_t count) {
+        if (D * (0 - b2) <= riseLimit) return false;
+        AddToAreaTimes(area, 0 - b2, count);
+        return true;
+    });
     const double decayLimit = std::abs(a2 * double(c.params.DecayPercent));
-    for (std::int32_t k = q + 1; k <= q + c.counts.DecayPoints; ++k) {
-        const double x = c.Sample(k);
-        AddToArea(area, x - b2);
-        if (std::abs(x - b2) <= decayLimit) break;
-    }
+    Walk(rec, std::int64_t(q) + 1, 1, std::int64_t(q) + c.counts.DecayPoints, 0,
+         [&](std::int32_t k) {
+             const double x = c.Sample(k);
+             AddToArea(area, x - b2);
+             return std::abs(x - b2) <= decayLimit;
+         },
+         [&](std::int64_t, std::int64_t count) {
+             if (std::abs(0 - b2) <= decayLimit) return false;
+             AddToAreaTimes(area, 0 - b2, count);
+             return true;
+         });
     const auto areaU = rec.TryBit2pA2(area);
     if (areaU && std::abs(double(*areaU)) * double(rec.SampleInterval) / 1000.0 >=
                      c.params.AreaThreshold)
@@ -513,9 +592,27 @@ void Command3(Session& s, UserDialogs& ui) {
     Recording& rec = s.recording;
     if (!rec.FileIsOpen) return;
     s.display.NonStopRunning = true;
+    const double end = double(rec.header.lDataSectionPtr) + rec.TotalBlocks;
     while (s.display.NonStopRunning) {
+        // A header may claim far more samples than the file holds. Once every buffer reads 0
+        // for good, no screen can hold an event, and the screens up to the last are passed
+        // over to the last one, which is shown and analysed as the run would have left it.
+        if (ComputePointCounts(rec, s.params) &&
+            rec.ZeroFromNextScreenOn(rec.ScreenBlock + rec.BlocksPerScreen)) {
+            double last = rec.ScreenBlock;
+            for (double next = last + rec.BlocksPerScreen; !(next > end);
+                 next = last + rec.BlocksPerScreen)
+                last = next;
+            if (last != rec.ScreenBlock) {
+                rec.ScreenBlock = last;
+                Display(s);
+                Command1(s, ui);
+                ui.Yield();
+                continue;
+            }
+        }
         rec.ScreenBlock += rec.BlocksPerScreen;
-        if (rec.ScreenBlock > double(rec.header.lDataSectionPtr) + rec.TotalBlocks) {
+        if (rec.ScreenBlock > end) {
             rec.ScreenBlock -= rec.BlocksPerScreen;
             break;
         }

@@ -44,6 +44,36 @@ std::int64_t SumSamples(const Recording& rec, std::int32_t first, std::int32_t l
 
 // area := area + d, rounded; an overflow leaves the area as it was.
 void AddToArea(std::int32_t& area, double d);
+// AddToArea repeated count times, in a time that does not grow with count.
+void AddToAreaTimes(std::int32_t& area, double d, std::int64_t count);
+
+// Walks k from `from` by dir (+1 or -1) up to and including `end`, calling step(k), which
+// returns true to stop the walk at k. A run of points whose values, and those of their `reach`
+// neighbours on each side, all read 0 because nothing is held there goes to zeroRun(first,
+// count)
+// instead: it returns true after taking the whole run as points that did not stop the walk,
+// or false when the run's first point stops it (step is then called for that point). So a
+// walk costs no more than the buffers hold, however long its limit. Returns the point where
+// the walk stopped, or the one past `end`.
+template <typename Step, typename ZeroRun>
+std::int64_t Walk(const Recording& rec, std::int64_t from, int dir, std::int64_t end,
+                  std::int64_t reach, Step&& step, ZeroRun&& zeroRun) {
+    std::int64_t k = from;
+    while ((end - k) * dir >= 0) {
+        const Recording::Run run = rec.NextRun(k, dir, end, reach);
+        if (run.zero) {
+            if (zeroRun(k, run.count)) {
+                k += dir * run.count;
+                continue;
+            }
+            step(std::int32_t(k));
+            return k;
+        }
+        for (std::int64_t left = run.count; left > 0; --left, k += dir)
+            if (step(std::int32_t(k))) return k;
+    }
+    return k;
+}
 // |Bit2pA2(area)| x SampleInterval / 1000, amplitude unit x ms; nullopt for a zero gain.
 std::optional<float> AreaUnits(const Recording& rec, std::int32_t area);
 

@@ -127,7 +127,9 @@ void AddTableMarks(const Session& s, std::int32_t pointCount, std::size_t stride
         // The rise and decay ends sit on the event's own channel of the current screen.
         auto point = [&](double at, Rgb color) {
             if (at < 0 || at > pointCount - 1 || std::size_t(ch) >= stride) return;
-            const std::int16_t v = r.CurrentScreen[std::size_t(at) * stride + std::size_t(ch)];
+            // A point the buffer does not hold reads as 0.
+            const std::size_t idx = std::size_t(at) * stride + std::size_t(ch);
+            const std::int16_t v = idx < r.CurrentScreen.size() ? r.CurrentScreen[idx] : 0;
             marks.push_back(
                 Mark(SceneMark::Kind::Point, at, d.CalculateYPosition(v, ch), color, 4));
         };
@@ -171,8 +173,7 @@ TraceScene BuildTraceScene(const Session& s, int pixelWidth, double textHeight) 
     scene.texts.push_back({TimeText(start), 0, 0, TextAnchor::TopLeft, kBlack});
     scene.texts.push_back({TimeText(end), double(n), 0, TextAnchor::TopRight, kBlack});
 
-    const std::size_t stride =
-        n > 0 ? std::max<std::size_t>(1, r.CurrentScreen.size() / std::size_t(n)) : 1;
+    const std::size_t stride = std::size_t(r.Stride());
     const bool hidden = d.NonStopRunning && !d.DisplayTrace;
     scene.traceHidden = hidden;
 
@@ -183,8 +184,18 @@ TraceScene BuildTraceScene(const Session& s, int pixelWidth, double textHeight) 
             SceneTrace& t = scene.traces.emplace_back();
             t.channel = c;
             t.color = ChannelColor(c);
-            if (r.CurrentScreen.size() < std::size_t(n) * stride) continue;
-            AppendChannel(r.CurrentScreen.data() + c, stride, n, pixelWidth,
+            const std::int16_t* samples = r.CurrentScreen.data() + c;
+            std::size_t step = stride;
+            // The buffer holds only what the file filled; the rest of the screen reads as 0.
+            std::vector<std::int16_t> padded;
+            if (r.CurrentScreen.size() < std::size_t(n) * stride) {
+                padded.assign(std::size_t(n), 0);
+                for (std::size_t i = 0; i < r.CurrentScreen.size() / stride; ++i)
+                    padded[i] = r.CurrentScreen[i * stride + std::size_t(c)];
+                samples = padded.data();
+                step = 1;
+            }
+            AppendChannel(samples, step, n, pixelWidth,
                           32786.0 - double(d.DisplayOffset[std::size_t(c)]),
                           double(d.DisplayGain[std::size_t(c)]), t.points);
         }

@@ -378,3 +378,38 @@ TEST_F(UnitTest, CalculateTimeOfCalculateTimeBitIsWithinOneSample) {
 
 }  // namespace
 }  // namespace ardel
+
+namespace ardel::testing {
+namespace {
+
+TEST(ScreenBuffersBySize, AWideScreenOfManyChannelsHoldsNoMoreThanTheFileCanFill) {
+    // 16 channels of 2000 points and a screen of 32767 Blocks: zero-filled buffers of the full
+    // screen would take 16 x 32767 x 256 x 2 bytes each, 800 MB for the three.
+    TempDir dir;
+    std::vector<std::vector<std::int16_t>> channels;
+    for (int c = 0; c < 16; ++c) channels.push_back(Ramp(2000, std::int16_t(100 * c), 1));
+    AbfBuildSpec spec;
+    spec.channels = 16;
+    spec.units.assign(16, "pA");
+    spec.scaleFactors.assign(16, 0.0005f);
+    const auto file = WriteAbf(dir / "wide.abf", spec, channels);
+    Session s;
+    s.recording.BlocksPerScreen = 32767;
+    ScriptedDialogs ui;
+    ui.ExpectInput("Enter Channel Number", std::nullopt, "5");
+    ASSERT_TRUE(OpenDataFile(s, ui, file));
+    const Recording& r = s.recording;
+    ASSERT_EQ(r.ScreenPoints(), 32767 * 256);
+    for (const auto* b : {&r.PreviousScreen, &r.CurrentScreen, &r.NextScreen})
+        EXPECT_LE(b->size() * 2, 16 * 2000 * 2 + 6144 + 32) << "bytes held beyond the file's";
+    // What is held reads as the file; the rest of the screen reads 0 as before.
+    for (std::int32_t i = 0; i < 2000; ++i) ASSERT_EQ(r.GetSampleValue(i), channels[5][std::size_t(i)]);
+    for (std::int32_t i : {2000, 100000, r.ScreenPoints() - 1, r.ScreenPoints(), 2 * r.ScreenPoints() - 1, -1})
+        EXPECT_EQ(r.GetSampleValue(i), 0) << i;
+    EXPECT_EQ(r.GetAverageValue(2001, 1, 3), 0);
+    EXPECT_EQ(r.GetAverageValue(1999, 1, 3),
+              std::int16_t(std::nearbyint((channels[5][1998] + channels[5][1999]) / 3.0)));
+}
+
+}  // namespace
+}  // namespace ardel::testing

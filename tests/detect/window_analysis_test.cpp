@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <string>
 #include <vector>
 
 #include "detect/detect_rig.h"
@@ -429,6 +433,110 @@ TEST(WindowAnalysis, SecondChannelOfTwoGivesTheEventsOfTheSameTraceAlone) {
         expected.Channel = 1;
         EXPECT_EQ(both.Event(n), expected) << n;
     }
+}
+
+}  // namespace
+}  // namespace ardel::testing
+
+namespace ardel::testing {
+namespace {
+
+// The work of a screen is bounded by what the three buffers hold, whatever the header claims
+// or the periods ask for, and the results are those of stepping through every point.
+struct BoundedWork : ::testing::Test {
+    TempDir dir;
+
+    // Three events on a flat zero line, 3000 points at 100 us.
+    static std::vector<std::int16_t> Trace3000() {
+        std::vector<std::int16_t> t(3000, 0);
+        PutEvent(t, 700);
+        PutEvent(t, 1500);
+        PutEvent(t, 2300);
+        return t;
+    }
+
+    void Open(Session& s, const std::vector<std::int16_t>& trace, std::int32_t claimedSamples) {
+        auto bytes = BuildAbfFile(UnitSpec(), trace);
+        // lActualAcqLength at byte 10: the header may claim far more than the file holds.
+        std::memcpy(bytes.data() + 10, &claimedSamples, 4);
+        const auto file = dir / ("claim" + std::to_string(claimedSamples) + ".abf");
+        std::ofstream(file, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        SilentDialogs ui;
+        ASSERT_TRUE(OpenDataFile(s, ui, file));
+    }
+};
+
+TEST_F(BoundedWork, AHeaderClaimingBillionsOfSamplesEndsWithTheSameEventsAtTheLastScreen) {
+    SilentDialogs ui;
+    Session truthful, claiming;
+    truthful.params = claiming.params = SmallParameters();
+    Open(truthful, Trace3000(), 3000);
+    Open(claiming, Trace3000(), INT32_MAX);
+    for (Session* s : {&truthful, &claiming}) {
+        Command1(*s, ui);
+        Command3(*s, ui);
+    }
+    ASSERT_GT(claiming.events.EventCount(), 0);
+    ASSERT_EQ(claiming.events.EventCount(), truthful.events.EventCount());
+    for (std::int32_t n = 1; n <= truthful.events.EventCount(); ++n) {
+        EXPECT_EQ(claiming.events[n].Time, truthful.events[n].Time);
+        EXPECT_EQ(claiming.events[n].Amplitude, truthful.events[n].Amplitude);
+        EXPECT_EQ(claiming.events[n].Area, truthful.events[n].Area);
+    }
+    // The run stops where stepping screen by screen would have: the last whole screen of
+    // the Blocks the header claims.
+    const Recording& r = claiming.recording;
+    EXPECT_EQ(r.TotalBlocks, INT32_MAX / 256);
+    EXPECT_EQ(r.ScreenBlock - r.header.lDataSectionPtr, double(INT32_MAX / 256 / 4 * 4));
+    EXPECT_TRUE(claiming.recording.CurrentScreen.empty());
+}
+
+TEST_F(BoundedWork, ABaselineLeadOfMillionsOfPointsMeasuresZerosBeyondTheBuffers) {
+    SilentDialogs ui;
+    Session s;
+    s.params = SmallParameters();
+    // 2^23 points of lead: the baseline window, the noise point and the pre-peak search lie
+    // far outside the buffers, where every point reads 0.
+    s.params.PeriodStartBaseline = 838860800;
+    Open(s, Trace3000(), 3000);
+    Command1(s, ui);  // on the first screen the scan starts past the lead: nothing
+    EXPECT_EQ(s.events.EventCount(), 0);
+    Command3(s, ui);
+    ASSERT_GE(s.events.EventCount(), 2);
+    bool at150 = false, at230 = false;
+    for (std::int32_t n = 1; n <= s.events.EventCount(); ++n) {
+        const EventRecord& e = s.events[n];
+        EXPECT_EQ(e.Baseline, 0);
+        EXPECT_EQ(e.Noise, 0);
+        if (e.Time == 150.0f || e.Time == 230.0f) {
+            (e.Time == 150.0f ? at150 : at230) = true;
+            EXPECT_EQ(e.Amplitude, 100);
+            EXPECT_EQ(e.Rise, 4);   // the walk back stops at the 1 four points before the peak
+            EXPECT_EQ(e.Decay, 3);  // the three-point mean reaches half the amplitude
+        }
+    }
+    EXPECT_TRUE(at150 && at230);
+}
+
+TEST_F(BoundedWork, AreaOverACountedStretchIsTheAreaOfEveryStepRounded) {
+    // Halves round to even, so an area growing by 2.5 a step alternates between 2 and 3.
+    for (double d : {2.5, -2.5, 0.5, -0.5, 1.25, 3.0, -7.75, 0.3}) {
+        for (std::int64_t count : {1, 2, 5, 1000, 99999}) {
+            std::int32_t stepped = 1, counted = 1;
+            for (std::int64_t k = 0; k < count; ++k) AddToArea(stepped, d);
+            AddToAreaTimes(counted, d, count);
+            EXPECT_EQ(counted, stepped) << d << " x " << count;
+        }
+    }
+    // At the 32-bit limit an overflowing step leaves the area as it is, for good.
+    std::int32_t stepped = INT32_MAX - 100, counted = INT32_MAX - 100;
+    for (int k = 0; k < 1000; ++k) AddToArea(stepped, 30000.5);
+    AddToAreaTimes(counted, 30000.5, 1000);
+    EXPECT_EQ(counted, stepped);
+    counted = INT32_MIN + 7;
+    AddToAreaTimes(counted, -1.5, std::int64_t(1) << 40);
+    EXPECT_LE(counted, INT32_MIN + 2);
 }
 
 }  // namespace

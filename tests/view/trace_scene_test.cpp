@@ -276,7 +276,7 @@ TEST(TraceScene, GainAndScreenLengthBoxesKeepTheirLimits) {
     EXPECT_EQ(rig.s.recording.ScreenPoints(), 640);
     EXPECT_EQ(SetBlocksPerScreenText(rig.s, "100000"), "32767");
     EXPECT_FLOAT_EQ(rig.s.recording.BlocksPerScreen, 32767.0f);
-    EXPECT_EQ(rig.s.recording.CurrentScreen.size(), 32767u * 256u);
+    EXPECT_EQ(rig.s.recording.ScreenPoints(), 32767 * 256);
     EXPECT_EQ(BlocksPerScreenText(rig.s), "32767");
 }
 
