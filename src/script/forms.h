@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "arrays/array_statistics.h"
+#include "arrays/math_operation.h"
 #include "events/criteria_search.h"
 #include "script/main_form.h"
 
@@ -24,6 +26,12 @@ struct Forms {
     CriteriaForm criteria;
     // Set by the menu items that open the Criteria form; the desktop shows the window then.
     bool criteriaShown = false;
+    // The statistics window and the arithmetic form of the Data Arrays; the flags are set by the
+    // menu items that show them.
+    CStatForm cstat;
+    bool cstatShown = false;
+    MathOperationForm mathOperation;
+    bool mathOperationShown = false;
 };
 
 }  // namespace ardel

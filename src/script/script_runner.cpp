@@ -9,6 +9,7 @@
 
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
+#include "script/array_commands.h"
 #include "script/event_list_commands.h"
 #include "script/script_error.h"
 
@@ -19,11 +20,13 @@ namespace fs = std::filesystem;
 void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
     RegisterEventListCommands(table);
+    RegisterArrayCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
     RegisterMainFormControls(registry, forms, s);
     RegisterCriteriaControls(registry, forms);
+    RegisterArrayControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
