@@ -10,6 +10,7 @@
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
 #include "script/event_list_commands.h"
+#include "script/print_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -19,6 +20,7 @@ namespace fs = std::filesystem;
 void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
     RegisterEventListCommands(table);
+    RegisterPrintCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -131,7 +133,7 @@ KeyBinding ParseKey(std::string_view text) {
 ScriptRunner::ScriptRunner(std::ostream& out, fs::path programDir)
     : out_(out),
       dialogs_(out),
-      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}} {
+      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}, {}, {}} {
     RegisterAllCommands(table_);
     RegisterAllControls(controls_, forms_, session_);
     session_.CurrentFolder = context_.programDir;
@@ -306,19 +308,12 @@ void ScriptRunner::Key(std::string_view rest) {
     const std::string_view text = TrimBlanks(rest);
     if (text.empty()) throw ScriptError("key needs a key");
     const KeyBinding binding = ParseKey(text);
-    const std::string handler = KeyHandlerName(binding);
-    if (handler.empty()) {
-        RunDisplayKey(context_, binding);
-        return;
-    }
-    const CommandEntry* entry = table_.Find(handler);
+    const auto entry = KeyEntry(table_, binding);
     if (!entry) {
-        throw ScriptError("the key \"" + std::string(text) + "\" runs " + handler +
-                          ", which is not available");
+        throw ScriptError("the key \"" + std::string(text) + "\" runs " +
+                          KeyHandlerName(binding) + ", which is not available");
     }
     RunCommand(context_, *entry);
-    // U unmarks and then redraws.
-    if (binding.command == KeyCommand::Unmark) Display(session_);
 }
 
 void ScriptRunner::Show(std::string_view rest) {
