@@ -39,8 +39,16 @@ bool RunRequested(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    // A script run needs no screen; the platform is chosen before the application starts.
-    if (RunRequested(argc, argv)) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    // A script run needs no screen; the platform is chosen before the application starts. Its
+    // standard error carries the script's errors only, as the command line's does, so Qt's
+    // notes about the environment stay out of it.
+    if (RunRequested(argc, argv)) {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+            if (type == QtCriticalMsg || type == QtFatalMsg)
+                std::cerr << text.toStdString() << '\n';
+        });
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName("Ardelvantine");
 
