@@ -25,6 +25,7 @@
 #include <QTemporaryDir>
 
 #include "app/cli/cli_run.h"
+#include "ui/criteria/criteria_window.h"
 #include "ui/main_window.h"
 
 namespace {
@@ -69,8 +70,11 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption programDirOption(
         "program-dir", "With --run: the folder of Ardelvan.ini (default: the program's folder).",
         "folder");
+    const QCommandLineOption criteria(
+        "criteria", "Open the Criteria window; with --screenshot the picture is of that window.");
     parser.addOption(analyse);
     parser.addOption(screenshot);
+    parser.addOption(criteria);
     parser.addOption(run);
     parser.addOption(programDirOption);
     parser.process(app);
@@ -109,6 +113,7 @@ int main(int argc, char* argv[]) {
         window.ShowLastFolder();
     if (takePicture) window.RunHandler("menu_AutoScale");
     if (parser.isSet(analyse)) window.RunHandler("Command1");
+    if (parser.isSet(criteria)) window.RunHandler("menu_CriteriaSearch");
 
     if (takePicture) {
         // The picture shows the folder as it was named, not where it lies on this machine.
@@ -120,7 +125,9 @@ int main(int argc, char* argv[]) {
                 box->setText(QString::fromStdString(folder));
         }
         QApplication::processEvents();
-        const QImage picture = window.grab().toImage();
+        QWidget* shown = &window;
+        if (parser.isSet(criteria) && window.criteriaWindow()) shown = window.criteriaWindow();
+        const QImage picture = shown->grab().toImage();
         return picture.save(parser.value(screenshot)) ? 0 : 1;
     }
     return app.exec();

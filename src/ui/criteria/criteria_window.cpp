@@ -1,5 +1,7 @@
 #include "ui/criteria/criteria_window.h"
 
+#include <algorithm>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -32,6 +34,7 @@ QComboBox* Combo(const QString& name, const std::vector<std::string>& items) {
     c->setInsertPolicy(QComboBox::NoInsert);
     for (const std::string& item : items) c->addItem(Q(item));
     c->setMinimumWidth(100);
+    c->setMaximumWidth(140);
     return c;
 }
 
@@ -71,6 +74,8 @@ CriteriaWindow::CriteriaWindow(QWidget* parent, std::function<void(const std::st
     tabs_->addTab(BuildBurstTab(), "Bursts");
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabs_);
+    // Wide enough for every tab's title.
+    resize(std::max(560, sizeHint().width()), sizeHint().height());
     // The two ways of numbering episodes exclude each other.
     connect(check7_, &QCheckBox::toggled, this, [this](bool on) {
         if (on) check8_->setChecked(false);
