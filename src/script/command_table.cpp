@@ -97,45 +97,81 @@ std::string KeyHandlerName(const KeyBinding& b) {
     }
 }
 
+namespace {
+
+CommandEntry DisplayKeyEntry(const KeyBinding& binding) {
+    return {"Navigate", kDuringRun, [binding](CommandContext& cc) {
+                Session& s = cc.session;
+                const int channel = std::min<int>(s.recording.ChannelIndex, 15);
+                const float gain = s.display.DisplayGain[std::size_t(channel)];
+                RunViewKey(s, cc.ui, binding);
+                if (s.display.DisplayGain[std::size_t(channel)] != gain)
+                    cc.forms.main.Text1 = DisplayGainText(s);
+            }};
+}
+
+}  // namespace
+
+std::optional<CommandEntry> KeyEntry(const CommandTable& table, const KeyBinding& binding) {
+    const std::string handler = KeyHandlerName(binding);
+    if (handler.empty()) {
+        if (binding.command == KeyCommand::None) return std::nullopt;
+        return DisplayKeyEntry(binding);
+    }
+    const CommandEntry* entry = table.Find(handler);
+    if (!entry) return std::nullopt;
+    CommandEntry e = *entry;
+    if (binding.command == KeyCommand::Unmark) {
+        // U unmarks and then redraws.
+        e.body = [body = entry->body](CommandContext& cc) {
+            body(cc);
+            Display(cc.session);
+        };
+    }
+    return e;
+}
+
 void RunDisplayKey(CommandContext& c, const KeyBinding& binding) {
-    const CommandEntry entry{"Navigate", kDuringRun, [binding](CommandContext& cc) {
-                                 Session& s = cc.session;
-                                 const int channel = std::min<int>(s.recording.ChannelIndex, 15);
-                                 const float gain = s.display.DisplayGain[std::size_t(channel)];
-                                 RunViewKey(s, cc.ui, binding);
-                                 if (s.display.DisplayGain[std::size_t(channel)] != gain)
-                                     cc.forms.main.Text1 = DisplayGainText(s);
-                             }};
-    RunCommand(c, entry);
+    RunCommand(c, DisplayKeyEntry(binding));
+}
+
+CommandEntry OpenFileEntry(const std::filesystem::path& full) {
+    return {"FListBoxFETCH", kPlainCommand, [full](CommandContext& cc) {
+                Session& s = cc.session;
+                MainForm& f = cc.forms.main;
+                if (!QueryUnsavedEventsBeforeOpen(s, cc.ui)) return;
+                // The readout of the last file's pointer position means nothing for the next
+                // one.
+                f.Label4.clear();
+                OpenDataFile(s, cc.ui, full);
+                // A refused file leaves nothing open: the name of the one before must not stay.
+                if (!s.recording.FileIsOpen) s.Label11.clear();
+                f.Text1 = DisplayGainText(s);
+                const auto& w = s.recording.warnings;
+                if (w.empty()) return;
+                f.StatusText = "Opened with warnings:";
+                for (std::size_t i = 0; i < w.size(); ++i) f.StatusText += (i ? "  " : " ") + w[i];
+            }};
 }
 
 void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file) {
     std::error_code ec;
     const std::filesystem::path full = std::filesystem::absolute(file, ec);
     ShowFolder(c.session, c.forms.main, full.parent_path());
-    const CommandEntry entry{"FListBoxFETCH", kPlainCommand, [full](CommandContext& cc) {
-                                 MainForm& f = cc.forms.main;
-                                 // The readout of the last file's pointer position means
-                                 // nothing for the next one.
-                                 f.Label4.clear();
-                                 OpenDataFile(cc.session, cc.ui, full);
-                                 f.Text1 = DisplayGainText(cc.session);
-                                 const auto& w = cc.session.recording.warnings;
-                                 if (w.empty()) return;
-                                 f.StatusText = "Opened with warnings:";
-                                 for (const std::string& line : w) f.StatusText += "  " + line;
-                             }};
-    RunCommand(c, entry);
+    RunCommand(c, OpenFileEntry(full));
+}
+
+CommandEntry GridRowEntry(std::int32_t row) {
+    return {"TDBGrid1", kDuringRun, [row](CommandContext& cc) {
+                Session& s = cc.session;
+                SelectEventFromGrid(s, row);
+                if (s.recording.FileIsOpen && s.events.EventCount() > 0)
+                    s.events.GridCurrentRow = s.events.CurrentEvent;
+            }};
 }
 
 void ChooseGridRow(CommandContext& c, std::int32_t row) {
-    const CommandEntry entry{"TDBGrid1", kDuringRun, [row](CommandContext& cc) {
-                                 Session& s = cc.session;
-                                 SelectEventFromGrid(s, row);
-                                 if (s.recording.FileIsOpen && s.events.EventCount() > 0)
-                                     s.events.GridCurrentRow = s.events.CurrentEvent;
-                             }};
-    RunCommand(c, entry);
+    RunCommand(c, GridRowEntry(row));
 }
 
 }  // namespace ardel

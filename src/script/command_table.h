@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <cstdint>
 #include <vector>
 
 #include "core/session.h"
@@ -34,7 +36,16 @@ struct CommandContext {
     // Set by a command for what it puts into the controls after they have followed the
     // session (a box that shows an unrounded value); run once, then cleared.
     std::function<void()> afterCommand;
+    // The desktop shows a form's controls at once when a command calls this in its middle (a
+    // tab brought forward before a question); unset without a window.
+    std::function<void()> showForms;
+    // The desktop drives the timed display from its timer at this interval (ms); unset, the
+    // command steps through the recording itself.
+    std::function<void(std::int32_t)> startTimedDisplay;
 
+    void ShowForms() const {
+        if (showForms) showForms();
+    }
     std::filesystem::path IniPath() const;
 };
 
@@ -69,6 +80,11 @@ class CommandTable {
 // Returns false when the command broke off so.
 bool RunCommand(CommandContext& c, const CommandEntry& entry);
 
+// What a key runs: the handler of KeyHandlerName (U then redraws), or for the display keys an
+// entry of their own. Nothing for a key whose handler is not in the table (F3 until the group
+// window exists).
+std::optional<CommandEntry> KeyEntry(const CommandTable& table, const KeyBinding& binding);
+
 // The handler a key stands for in the main window: "Command1" for F9, "menu_Navigates(3)" for
 // D, "menu_Unmark" for U, ... Empty for the keys that step the display offset or gain, which
 // have no menu item (RunDisplayKey runs them), and for keys without a command.
@@ -81,11 +97,15 @@ void RunDisplayKey(CommandContext& c, const KeyBinding& binding);
 // other forms register theirs with one call each, beside this one.
 void RegisterMainWindowCommands(CommandTable& table);
 
-// A click in the file list on a data file: the file opens (with its questions) and the gain
-// box shows the channel's gain.
+// A click in the file list on a data file: unsaved events are offered for saving, the file
+// opens (with its questions) and the gain box shows the channel's gain. The file's folder is
+// shown first.
 void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file);
+// The command of that click, for a caller that shows the folder itself. file is absolute.
+CommandEntry OpenFileEntry(const std::filesystem::path& file);
 
 // A row chosen in the grid (1-based): the event becomes current and its screen is shown.
 void ChooseGridRow(CommandContext& c, std::int32_t row);
+CommandEntry GridRowEntry(std::int32_t row);
 
 }  // namespace ardel

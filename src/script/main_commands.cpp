@@ -16,6 +16,7 @@
 #include "detect/window_analysis.h"
 #include "script/command_table.h"
 #include "view/navigation.h"
+#include "view/trace_axes.h"
 #include "view/trace_scene.h"
 
 namespace ardel {
@@ -47,8 +48,11 @@ void RegisterButtons(CommandTable& t) {
 
 void RegisterFileMenu(CommandTable& t) {
     t.Add("menu_OpenEvent", "Open Event File", kPlainCommand, Plain(menu_OpenEvent));
-    t.Add("menu_SaveEvent", "Save Event File", kPlainCommand,
-          [](CommandContext& c) { menu_SaveEvent(c.session, c.ui); });
+    t.Add("menu_SaveEvent", "Save Event File", kPlainCommand, [](CommandContext& c) {
+        // The file just written shows in the list at once.
+        if (menu_SaveEvent(c.session, c.ui))
+            ShowFolder(c.session, c.forms.main, c.session.CurrentFolder);
+    });
     t.Add("menu_SaveParameter", "Save Parameters", kPlainCommand,
           [](CommandContext& c) { menu_SaveParameter(c.session, c.ui, c.programDir); });
     t.Add("menu_LoadParameter", "Load Parameters", kPlainCommand,
@@ -79,6 +83,7 @@ void RegisterFileMenu(CommandTable& t) {
     t.Add("menu_batch", "Batch Analysis", kLongRun, [](CommandContext& c) {
         const BatchReport report = menu_batch(c.session, c.ui);
         if (report.files.empty()) return;
+        ShowFolder(c.session, c.forms.main, c.session.CurrentFolder);
         const auto analysed = std::count_if(
             report.files.begin(), report.files.end(),
             [](const BatchFileOutcome& f) { return f.status == BatchFileStatus::Analysed; });
@@ -105,7 +110,10 @@ void RegisterAnalysisMenu(CommandTable& t) {
     }
     t.Add("menu_RMSNoise", "Measure RMS Noise", kPlainCommand, [](CommandContext& c) {
         MainForm& f = c.forms.main;
-        const auto result = menu_RMSNoise(c.session, c.ui, [&f] { f.SSTab1 = 0; });
+        const auto result = menu_RMSNoise(c.session, c.ui, [&c, &f] {
+            f.SSTab1 = 0;
+            c.ShowForms();
+        });
         // The engine's text of the unrounded value goes into both boxes.
         if (result && result->threshold) {
             c.afterCommand = [&f, text = result->thresholdText] {
@@ -123,7 +131,11 @@ void RegisterAnalysisMenu(CommandTable& t) {
     t.Add("menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold", kLongRun,
           Plain(menu_ScanAdjustBaseline));
     t.Add("menu_RejectThisEvent", "Reject This Event", kPlainCommand, Plain(menu_RejectThisEvent));
-    t.Add("menu_DeletEvent", "Delete This Event", kPlainCommand, Plain(menu_DeletEvent));
+    t.Add("menu_DeletEvent", "Delete This Event", kPlainCommand, [](CommandContext& c) {
+        menu_DeletEvent(c.session, c.ui);
+        // The deleted event's marks leave the picture; the new selection is marked.
+        RedrawSelection(c.session);
+    });
     t.Add("menu_RecalculatePeak", "Recalculate Peak", kPlainCommand, Plain(menu_RecalculatePeak));
     t.Add("menu_BaselineThreshold", "Use Threshold as Baseline", kPlainCommand,
           Plain(menu_BaselineThreshold));
@@ -139,9 +151,18 @@ void RegisterNavigationAndDisplay(CommandTable& t) {
     // Without a window the timer's ticks follow one another at once, to the recording's end.
     t.Add("menu_DisplayContinously", std::string(kTimedDisplayCaption), kPlainCommand,
           [](CommandContext& c) {
-              if (!StartTimedDisplay(c.session, c.ui)) return;
+              const auto interval = StartTimedDisplay(c.session, c.ui);
+              if (!interval) return;
+              if (c.startTimedDisplay) {
+                  c.startTimedDisplay(std::int32_t(*interval));
+                  return;
+              }
               while (TimedDisplayTick(c.session)) c.ui.Yield();
           });
+    t.Add("menu_AutoScale", "Auto Scale", kDuringRun, [](CommandContext& c) {
+        AutoScale(c.session);
+        c.forms.main.Text1 = DisplayGainText(c.session);
+    });
     const auto help = ShortcutHelpText();
     for (std::size_t i = 0; i < help.size(); ++i) {
         t.Add("menu_ShortCuts(" + std::to_string(i) + ")", "Short Cuts", kDuringRun,

@@ -11,6 +11,7 @@
 #include "detect/digital_filter.h"
 #include "script/array_commands.h"
 #include "script/event_list_commands.h"
+#include "script/print_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -21,6 +22,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
     RegisterEventListCommands(table);
     RegisterArrayCommands(table);
+    RegisterPrintCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -134,7 +136,7 @@ KeyBinding ParseKey(std::string_view text) {
 ScriptRunner::ScriptRunner(std::ostream& out, fs::path programDir)
     : out_(out),
       dialogs_(out),
-      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}} {
+      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}, {}, {}} {
     RegisterAllCommands(table_);
     RegisterAllControls(controls_, forms_, session_);
     session_.CurrentFolder = context_.programDir;
@@ -309,19 +311,12 @@ void ScriptRunner::Key(std::string_view rest) {
     const std::string_view text = TrimBlanks(rest);
     if (text.empty()) throw ScriptError("key needs a key");
     const KeyBinding binding = ParseKey(text);
-    const std::string handler = KeyHandlerName(binding);
-    if (handler.empty()) {
-        RunDisplayKey(context_, binding);
-        return;
-    }
-    const CommandEntry* entry = table_.Find(handler);
+    const auto entry = KeyEntry(table_, binding);
     if (!entry) {
-        throw ScriptError("the key \"" + std::string(text) + "\" runs " + handler +
-                          ", which is not available");
+        throw ScriptError("the key \"" + std::string(text) + "\" runs " +
+                          KeyHandlerName(binding) + ", which is not available");
     }
     RunCommand(context_, *entry);
-    // U unmarks and then redraws.
-    if (binding.command == KeyCommand::Unmark) Display(session_);
 }
 
 void ScriptRunner::Show(std::string_view rest) {

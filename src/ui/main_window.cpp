@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <exception>
 #include <system_error>
 
 #include <QApplication>
@@ -10,61 +9,48 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QCursor>
-#include <QDir>
-#include <QFormLayout>
-#include <QGuiApplication>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QHeaderView>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QScrollBar>
-#include <QUrl>
-#include <QFileInfo>
-#include <QDragEnterEvent>
-#include <QDropEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScreen>
+#include <QScrollBar>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QSlider>
-#include <QSplitter>
-#include <QStatusBar>
 #include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTextEdit>
 #include <QTimer>
-#include <QToolButton>
-#include <QVBoxLayout>
+#include <QUrl>
 
-#include "core/event_commands.h"
-#include "core/event_files.h"
-#include "core/number_text.h"
 #include "core/open_file.h"
-#include "detect/batch_analysis.h"
-#include "detect/complex_peaks.h"
 #include "detect/digital_filter.h"
 #include "detect/manual_edit.h"
-#include "detect/suggested_parameters.h"
-#include "detect/window_analysis.h"
-#include "ui/dat_info_dialog.h"
+#include "script/main_form.h"
+#include "script/print_commands.h"
+#include "script/script_runner.h"
+#include "ui/criteria/criteria_window.h"
+#include "ui/datinfo/dat_info_dialog.h"
 #include "ui/event_grid_model.h"
-#include "ui/qt_user_dialogs.h"
-#include "ui/trace_view.h"
-#include "view/trace_scene.h"
 #include "ui/main/recent_files.h"
 #include "ui/main/window_helpers.h"
+#include "ui/print/event_list_printer.h"
+#include "ui/qt_user_dialogs.h"
+#include "ui/trace_view.h"
 #include "view/trace_axes.h"
+#include "view/trace_scene.h"
 
 namespace ardel {
 
@@ -73,50 +59,18 @@ using namespace mainwindow;
 
 namespace {
 
-// The file list shows data files, event files and ABF files.
-const QStringList kFilePatterns = {"*.da?", "*.EVT", "*.abf"};
-
-// The detection keys behind Text4(0) .. Text4(6), in the frame's order.
-constexpr const char* kText4Keys[7] = {
-    "ThresholdAmplitude!", "PeriodToSearchMax&",     "PeriodStartBaseline&", "PeriodFindDecayTime&",
-    "DecayPercent!",       "PeriodBaselineAverage&", "AreaThreshold!",
-};
-
-
-
 Key KeyOfQt(int k) {
     if (k >= Qt::Key_A && k <= Qt::Key_Z) return KeyFromChar(char('A' + (k - Qt::Key_A)));
     if (k >= Qt::Key_0 && k <= Qt::Key_9) return KeyFromChar(char('0' + (k - Qt::Key_0)));
-    switch (k) {
-        case Qt::Key_F3:
-            return Key::F3;
-        case Qt::Key_F5:
-            return Key::F5;
-        case Qt::Key_F6:
-            return Key::F6;
-        case Qt::Key_F7:
-            return Key::F7;
-        case Qt::Key_F8:
-            return Key::F8;
-        case Qt::Key_F9:
-            return Key::F9;
-        case Qt::Key_F10:
-            return Key::F10;
-        case Qt::Key_F11:
-            return Key::F11;
-        case Qt::Key_F12:
-            return Key::F12;
-        case Qt::Key_PageUp:
-            return Key::PageUp;
-        case Qt::Key_PageDown:
-            return Key::PageDown;
-        case Qt::Key_Home:
-            return Key::Home;
-        case Qt::Key_End:
-            return Key::End;
-        default:
-            return Key::None;
-    }
+    static constexpr std::pair<int, Key> kOthers[] = {
+        {Qt::Key_F3, Key::F3},         {Qt::Key_F5, Key::F5},      {Qt::Key_F6, Key::F6},
+        {Qt::Key_F7, Key::F7},         {Qt::Key_F8, Key::F8},      {Qt::Key_F9, Key::F9},
+        {Qt::Key_F10, Key::F10},       {Qt::Key_F11, Key::F11},    {Qt::Key_F12, Key::F12},
+        {Qt::Key_PageUp, Key::PageUp}, {Qt::Key_PageDown, Key::PageDown},
+        {Qt::Key_Home, Key::Home},     {Qt::Key_End, Key::End}};
+    for (const auto& [qt, key] : kOthers)
+        if (qt == k) return key;
+    return Key::None;
 }
 
 bool IsFunctionKey(int k) {
@@ -136,8 +90,31 @@ bool OwnsLetterKeys(const QWidget* w) {
     return false;
 }
 
+// Only a text that differs is written, so that the caret of a box stays where it is.
+void SetText(QLineEdit* box, const std::string& text) {
+    const QString q = Q(text);
+    if (box->text() != q) box->setText(q);
+}
+
+void SetCheck(QCheckBox* box, bool on) {
+    if (box->isChecked() != on) box->setChecked(on);
+}
 
 }  // namespace
+
+// The window's dialogs for its commands: a command that yields (a random selection) has
+// changed its button's caption, which shows before the window takes the next press.
+class Ardelvantine::WindowDialogs final : public ForwardingDialogs {
+  public:
+    WindowDialogs(UserDialogs& inner, Ardelvantine& w) : ForwardingDialogs(inner), w_(w) {}
+    void Yield() override {
+        if (w_.criteria_) w_.criteria_->ShowCaptions(w_.forms_.criteria);
+        inner_.Yield();
+    }
+
+  private:
+    Ardelvantine& w_;
+};
 
 // ---------------------------------------------------------------------------------------------
 // Construction
@@ -152,25 +129,36 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
         ownDialogs_ = std::make_unique<QtUserDialogs>(this);
         ui_ = ownDialogs_.get();
     }
+    runDialogs_ = std::make_unique<WindowDialogs>(*ui_, *this);
     iniPath_ = ArdelvanIniPath(programDir_);
     session_.CurrentFolder = programDir_;
+    printer_ = std::make_unique<EventListPrinter>(session_);
+
+    context_ = std::make_unique<CommandContext>(CommandContext{session_, *runDialogs_, forms_,
+                                                               programDir_, false, false, {}, {}, {}});
+    context_->showForms = [this] { ShowForms(); };
+    RegisterAllCommands(table_);
+    RegisterDesktopCommands();
 
     BuildUi();
     BuildMenus();
+    context_->startTimedDisplay = [this](std::int32_t ms) { timer2_->start(ms); };
 
     session_.onDisplay = [this](Session&) { OnDisplay(); };
     session_.onLabel4 = [this](Session&, std::string_view text) {
-        label4_->setText(QString::fromUtf8(text.data(), qsizetype(text.size())));
+        forms_.main.Label4 = std::string(text);
+        label4_->setText(Q(forms_.main.Label4));
     };
     // Display filters the freshly loaded screens whenever the filter box is checked. It runs
     // on every redraw, so its warning about the cut-off comes once per command.
     filterMessages_ = std::make_unique<OncePerCommandMessages>(*ui_);
     InstallDigitalFilter(session_, *filterMessages_);
     setAcceptDrops(true);
-    picture_->SetCursors(&cursors_);
+    picture_->SetCursors(&forms_.main.cursors);
     qApp->installEventFilter(this);
 
-    LoadStartupSettings();
+    LoadStartupSettings(session_, forms_.main, *ui_, programDir_);
+    ShowForms();
     RefreshAll();
     picture_->setFocus();
 }
@@ -181,12 +169,68 @@ Ardelvantine::~Ardelvantine() {
     session_.onLabel4 = nullptr;
 }
 
-// ---------------------------------------------------------------------------------------------
-// The one wrapper of all handlers
+// The handlers only the desktop has: the list's printing, and those that show a window.
+void Ardelvantine::RegisterDesktopCommands() {
+    for (int index = 0; index <= 1; ++index) {
+        table_.Add(PrintHandlerName("menu_printeventsdirect", index), "Print", kPlainCommand,
+                   [this, index](CommandContext& c) {
+                       if (!printer_->Print(index)) c.ui.Message("Print", "No printer is available.");
+                   });
+        table_.Add(PrintHandlerName("menu_EventsPrintPreview", index), "Print Preview",
+                   kPlainCommand,
+                   [this, index](CommandContext&) { printer_->Preview(index, this); });
+    }
+    table_.Add("menu_eventspagesetup", "Print Page Setup", kPlainCommand,
+               [this](CommandContext&) { printer_->PageSetup(this); });
+    // The header window shows what the command put into its form.
+    for (const char* name : {"menu_DatInfo", "Label11"}) {
+        const CommandEntry base = *table_.Find(name);
+        table_.Add(name, base.title, base.flags, [this, body = base.body](CommandContext& c) {
+            body(c);
+            if (!session_.recording.FileIsOpen) return;
+            if (!datInfo_) datInfo_ = new DatInfoDialog(this);
+            datInfo_->Fill(forms_.datInfo);
+            datInfo_->show();
+            datInfo_->raise();
+            datInfo_->activateWindow();
+        });
+    }
+    table_.Add("menu_OpenRecording", "Open Recording", kPlainCommand, [](CommandContext& c) {
+        FileDialogSpec spec;
+        spec.title = "Open Recording";
+        spec.filter =
+            "ABF Data File (*.DAT *.ABF)|*.DAT;*.ABF|Event File (*.EVT)|*.EVT|All Files (*)|*";
+        spec.initialDirectory = c.session.CurrentFolder;
+        const auto chosen = c.ui.OpenFileName(spec);
+        if (!chosen) return;
+        std::error_code ec;
+        const fs::path full = fs::absolute(*chosen, ec);
+        ardel::ShowFolder(c.session, c.forms.main, full.parent_path());
+        OpenFileEntry(full).body(c);
+    });
+}
 
-void Ardelvantine::Run(const char* command, unsigned flags, const std::function<void()>& body,
-                       RunKind kind) {
-    if (runDepth_ > 0 && !(flags & kDuringRun)) {
+// ---------------------------------------------------------------------------------------------
+// The one path of all handlers
+
+Ardelvantine::RunKind Ardelvantine::RunKindOf(std::string_view name) {
+    if (name == "Command3") return RunKind::NonStop;
+    if (name == "menu_batch") return RunKind::Batch;
+    if (name == "menu_ScanDoublePeak" || name == "menu_ScanAdjustBaseline")
+        return RunKind::EventScan;
+    if (name == "Criteria.Command2") return RunKind::Selection;
+    return RunKind::None;
+}
+
+bool Ardelvantine::RunHandler(const std::string& name) {
+    const CommandEntry* entry = table_.Find(name);
+    if (!entry) return false;
+    RunEntry(*entry, RunKindOf(name));
+    return true;
+}
+
+void Ardelvantine::RunEntry(const CommandEntry& entry, RunKind kind) {
+    if (runDepth_ > 0 && !(entry.flags & kDuringRun)) {
         // One long run at a time, and nothing that would pull the recording from under it.
         QApplication::beep();
         statusText_->setText("Busy: press Interrupt (F12) first.");
@@ -195,129 +239,138 @@ void Ardelvantine::Run(const char* command, unsigned flags, const std::function<
     if (runDepth_ == 0) {
         // A new command: what the status bar said about the last one no longer holds.
         filterMessages_->NewCommand();
+        forms_.main.StatusText.clear();
         statusText_->clear();
         statusText_->setToolTip(QString());
     }
-    const bool longRun = flags & kLongRun;
-    bool controlsRead = false;
-    bool entered = false;
-    std::string failure;
-    DetectionParameters paramsBefore;
-    ProgramOptions optionsBefore;
-    try {
-        ReadControls();
-        controlsRead = true;
-        paramsBefore = session_.params;
-        optionsBefore = session_.options;
-        if (longRun) {
-            ++runDepth_;
-            entered = true;
-            runKind_ = kind;
-            scanTotal_ = session_.events.EventCount();
-            lastRepaint_.restart();
-            progress_->setValue(0);
-            progress_->show();
-        }
-        body();
-    } catch (const std::exception& e) {
-        failure = e.what();
-        if (failure.empty()) failure = "Unknown error.";
-    } catch (...) {
-        failure = "Unknown error.";
+    ReadWidgets();
+    const bool longRun = entry.flags & kLongRun;
+    if (longRun && runDepth_++ == 0) {
+        runKind_ = kind;
+        scanTotal_ = session_.events.EventCount();
+        lastRepaint_.restart();
+        progress_->setValue(0);
+        progress_->setVisible(kind != RunKind::Selection);
+        if (kind == RunKind::Selection)
+            statusText_->setText("Random selection: press \"Stop\" to end it.");
     }
-    if (entered) {
-        if (--runDepth_ == 0) {
-            runKind_ = RunKind::None;
-            progress_->hide();
-        }
-        if (!failure.empty()) {
-            // A run that broke off leaves no flag behind that would stop the next one.
-            session_.display.NonStopRunning = false;
-            session_.display.BatchRunning = false;
-        }
+    RunCommand(*context_, entry);
+    if (longRun && --runDepth_ == 0) {
+        runKind_ = RunKind::None;
+        progress_->hide();
     }
-    if (controlsRead &&
-        (!(session_.params == paramsBefore) || !(session_.options == optionsBefore))) {
-        WriteParameterControls();
-        WriteOptionControls();
+    ShowForms();
+    if (session_.recording.FileIsOpen && session_.recording.DataFilePath != remembered_) {
+        // A recording was opened: the recent list, the header window and the file list follow.
+        remembered_ = session_.recording.DataFilePath;
+        RememberRecording();
+        if (datInfo_ && datInfo_->isVisible()) {
+            datInfo_->Fill(DatInfoForm{DatInfoTitle(session_), DatInfoRows(session_)});
+        }
+        const auto found = fileList_->findItems(Q(remembered_.filename().string()), Qt::MatchExactly);
+        if (!found.isEmpty()) fileList_->setCurrentItem(found.first());
     }
     RefreshAll();
-    if (!failure.empty()) {
-        ui_->Message(command, std::string("The command \"") + command +
-                                  "\" could not be completed.\n\n" + failure);
-    }
     if (closePending_ && runDepth_ == 0) QTimer::singleShot(0, this, [this] { close(); });
 }
 
 // ---------------------------------------------------------------------------------------------
-// Controls and session
+// The main form, both ways
 
-void Ardelvantine::ReadControls() {
-    for (int i = 0; i < 7; ++i) ApplyAnalysisParam(session_, kText4Keys[i], S(text4_[i]->text()));
-    session_.params.PeakDirection = std::int16_t(combo1_->currentData().toInt() == 1 ? 1 : -1);
-    ApplyAnalysisParam(session_, "NumberPointsPeak", S(combo2_->currentText()));
-    ProgramOptions& o = session_.options;
-    o.ComplexPeak = ckComplexPeak_->isChecked();
-    o.SoundOn = ckSoundOn_->isChecked();
-    o.DisplayTooltips = ckTooltips_->isChecked();
-    o.ckLockBase = ckLockBase_->isChecked();
-    o.cbFraction = S(cbFraction_->currentText());
-    session_.display.DisplayTrace = ckDisplayTrace_->isChecked();
-    o.GroupNavigate = S(cbGpNav_->currentText());
-    o.JumpInterval = S(cbInterval_->currentText());
-    o.FilterOn = check1_->isChecked();
-    o.FilterType = combo4_->currentIndex();
-    o.FilterFreq = S(combo5_->currentText());
+void Ardelvantine::ReadWidgets() {
+    MainForm& f = forms_.main;
+    f.Text1 = S(text1_->text());
+    f.Text3 = S(text3_->text());
+    for (int i = 0; i < 7; ++i) f.Text4[std::size_t(i)] = S(text4_[i]->text());
+    f.Combo1 = combo1_->currentIndex() == 1 ? 1 : 0;
+    f.Combo2 = S(combo2_->currentText());
+    f.ckComplexPeak = ckComplexPeak_->isChecked();
+    f.ckSoundOn = ckSoundOn_->isChecked();
+    f.ckTooltips = ckTooltips_->isChecked();
+    f.ckLockBase = ckLockBase_->isChecked();
+    f.cbFraction = S(cbFraction_->currentText());
+    f.ckDisplayTrace = ckDisplayTrace_->isChecked();
+    f.cbGpNav = S(cbGpNav_->currentText());
+    f.cbInterval = S(cbInterval_->currentText());
+    f.Check1 = check1_->isChecked();
+    f.Combo4 = combo4_->currentIndex();
+    f.Combo5 = S(combo5_->currentText());
+    f.SSTab1 = tabs_->currentIndex();
+    f.Slider1 = slider1_->value();
+    f.Slider2 = slider2_->value();
+    f.Combo3 = S(combo3_->currentText());
+    f.ckCursors = ckCursors_->isChecked();
+    if (criteria_) criteria_->Read(forms_.criteria);
 }
 
-void Ardelvantine::WriteParameterControls() {
-    const DetectionFrameTexts texts = DetectionTexts(session_.params);
-    for (int i = 0; i < 7; ++i) text4_[i]->setText(Q(texts.Text4[std::size_t(i)]));
-    combo1_->setCurrentIndex(session_.params.PeakDirection == 1 ? 1 : 0);
-    SetComboText(combo2_, session_.options.Combo2);
-    ckComplexPeak_->setChecked(session_.options.ComplexPeak);
-}
-
-void Ardelvantine::WriteOptionControls() {
-    const ProgramOptions& o = session_.options;
-    ckSoundOn_->setChecked(o.SoundOn);
-    ckTooltips_->setChecked(o.DisplayTooltips);
-    ckLockBase_->setChecked(o.ckLockBase);
-    SetComboText(cbFraction_, o.cbFraction);
-    ckDisplayTrace_->setChecked(session_.display.DisplayTrace);
-    SetComboText(cbGpNav_, o.GroupNavigate);
-    SetComboText(cbInterval_, o.JumpInterval);
-    check1_->setChecked(o.FilterOn);
-    if (o.FilterType >= 0 && o.FilterType < combo4_->count())
-        combo4_->setCurrentIndex(o.FilterType);
-    SetComboText(combo5_, o.FilterFreq);
-    ckComplexPeak_->setChecked(o.ComplexPeak);
-}
-
-void Ardelvantine::ApplySettingsTexts(const MainWindowTexts& t) {
-    std::error_code ec;
-    if (!session_.options.DataDir.empty() && fs::is_directory(session_.options.DataDir, ec))
-        ShowFolder(session_.options.DataDir);
-    text1_->setText(Q(t.Text1));
-    text3_->setText(Q(SetBlocksPerScreenText(session_, t.Text3)));
-    combo1_->setCurrentIndex(t.Combo1 == "Positive" ? 1 : 0);
-    for (int i = 0; i < 7; ++i) text4_[i]->setText(Q(t.Text4[std::size_t(i)]));
-    SetComboText(combo2_, session_.options.Combo2);
-    WriteOptionControls();
-    if (t.ParkToolTips) ParkToolTips(true);
-    RefreshDisplayControls();
-}
-
-void Ardelvantine::LoadStartupSettings() {
-    try {
-        ApplySettingsTexts(LoadIniSettings(session_, iniPath_, programDir_));
-    } catch (const std::exception& e) {
-        // The session is as it was before the load: the defaults.
-        session_.options.DataDir = programDir_.string();
-        ApplySettingsTexts(MainWindowTexts{});
-        ui_->Message("Ardelvan.ini",
-                     std::string(e.what()) + "\n\nThe program starts with the default settings.");
+void Ardelvantine::ShowForms() {
+    const MainForm& f = forms_.main;
+    ShowFileList();
+    SetText(text1_, f.Text1);
+    SetText(text3_, f.Text3);
+    for (int i = 0; i < 7; ++i) SetText(text4_[i], f.Text4[std::size_t(i)]);
+    combo1_->setCurrentIndex(f.Combo1);
+    SetComboText(combo2_, f.Combo2);
+    SetCheck(ckComplexPeak_, f.ckComplexPeak);
+    SetCheck(ckSoundOn_, f.ckSoundOn);
+    SetCheck(ckTooltips_, f.ckTooltips);
+    SetCheck(ckLockBase_, f.ckLockBase);
+    SetComboText(cbFraction_, f.cbFraction);
+    SetCheck(ckDisplayTrace_, f.ckDisplayTrace);
+    SetComboText(cbGpNav_, f.cbGpNav);
+    SetComboText(cbInterval_, f.cbInterval);
+    SetCheck(check1_, f.Check1);
+    if (f.Combo4 >= 0 && f.Combo4 < combo4_->count()) combo4_->setCurrentIndex(f.Combo4);
+    SetComboText(combo5_, f.Combo5);
+    tabs_->setCurrentIndex(f.SSTab1);
+    label4_->setText(Q(f.Label4));
+    SetCheck(ckCursors_, f.ckCursors);
+    lbCursor_->setText(Q(f.lbCursor));
+    if (!f.StatusText.empty()) {
+        statusText_->setText(Q(f.StatusText));
+        // The warnings of an open, one a line, where the bar is too short for them.
+        QStringList lines;
+        if (f.StatusText.starts_with("Opened with warnings"))
+            for (const std::string& w : session_.recording.warnings) lines << Q(w);
+        statusText_->setToolTip(lines.join("\n"));
     }
+    if (f.ckTooltips != tipsShown_) {
+        ParkToolTips(!f.ckTooltips);
+        tipsShown_ = f.ckTooltips;
+    }
+    ShowDisplayWidgets();
+    if (criteria_) criteria_->Show(forms_.criteria);
+    if (forms_.criteriaShown) {
+        // A menu item asked for the window; it comes forward once.
+        forms_.criteriaShown = false;
+        ShowCriteriaWindow();
+    }
+}
+
+void Ardelvantine::ShowDisplayWidgets() {
+    MainForm& f = forms_.main;
+    ShowDisplayControls(session_, f);
+    const Recording& r = session_.recording;
+    {
+        const QSignalBlocker block(slider1_);
+        slider1_->setValue(f.Slider1);
+    }
+    if (r.FileIsOpen) {
+        const QSignalBlocker block(slider2_);
+        slider2_->setRange(0, std::max(1, r.TotalBlocks));
+        slider2_->setPageStep(r.TotalBlocks / 10 + 1);
+        slider2_->setValue(f.Slider2);
+    }
+    if (r.FileIsOpen) {
+        const QSignalBlocker block(combo3_);
+        if (combo3_->count() != int(f.Combo3Items.size())) {
+            combo3_->clear();
+            for (const std::string& c : f.Combo3Items) combo3_->addItem(Q(c));
+        }
+        combo3_->setCurrentText(Q(f.Combo3));
+    }
+    label11_->setText(Q(f.Label11));
+    setWindowTitle(f.Label11.empty() ? QString("Ardelvantine") : "Ardelvantine - " + Q(f.Label11));
 }
 
 void Ardelvantine::ParkToolTips(bool park) {
@@ -343,7 +396,7 @@ void Ardelvantine::ParkToolTips(bool park) {
 
 void Ardelvantine::OnDisplay() {
     if (runDepth_ == 0) {
-        RefreshDisplayControls();
+        ShowDisplayWidgets();
         picture_->update();
         return;
     }
@@ -352,41 +405,13 @@ void Ardelvantine::OnDisplay() {
     const qint64 since = lastRepaint_.isValid() ? lastRepaint_.elapsed() : kRunRepaintMs;
     if (since >= kRunRepaintMs) {
         lastRepaint_.restart();
-        RefreshDisplayControls();
+        ShowDisplayWidgets();
         RefreshProgress();
         SyncGrid();
         picture_->update();
     } else if (!refreshTimer_->isActive()) {
         refreshTimer_->start(int(kRunRepaintMs - since));
     }
-}
-
-void Ardelvantine::RefreshDisplayControls() {
-    const Recording& r = session_.recording;
-    const int channel = std::min<int>(r.ChannelIndex, 15);
-    {
-        const QSignalBlocker block(slider1_);
-        slider1_->setValue(std::clamp<std::int32_t>(
-            session_.display.DisplayOffset[std::size_t(channel)], -kOffsetRange, kOffsetRange));
-    }
-    if (r.FileIsOpen) {
-        const QSignalBlocker block(slider2_);
-        slider2_->setRange(0, std::max(1, r.TotalBlocks));
-        slider2_->setPageStep(r.TotalBlocks / 10 + 1);
-        slider2_->setValue(int(std::lround(r.ScreenBlock)));
-    }
-    if (r.FileIsOpen) {
-        const QSignalBlocker block(combo3_);
-        const int channels = std::max(1, r.Channels());
-        if (combo3_->count() != channels) {
-            combo3_->clear();
-            for (int c = 0; c < channels; ++c) combo3_->addItem(QString::number(c));
-        }
-        combo3_->setCurrentIndex(r.ChannelIndex);
-    }
-    label11_->setText(Q(session_.Label11));
-    setWindowTitle(session_.Label11.empty() ? QString("Ardelvantine")
-                                            : "Ardelvantine - " + Q(session_.Label11));
 }
 
 void Ardelvantine::RefreshProgress() {
@@ -413,13 +438,14 @@ void Ardelvantine::RefreshProgress() {
                                      .arg(scanTotal_));
             break;
         }
+        case RunKind::Selection:
         case RunKind::None:
             break;
     }
 }
 
 void Ardelvantine::RefreshAll() {
-    RefreshDisplayControls();
+    ShowDisplayWidgets();
     if (runDepth_ > 0) RefreshProgress();
     SyncGrid();
     picture_->update();
@@ -445,54 +471,57 @@ void Ardelvantine::SyncGrid() {
                                               QItemSelectionModel::Rows);
         if (count >= 2) grid_->scrollTo(index);
     }
-    std::erase_if(highlighted_, [count](std::int32_t n) { return n > count; });
+    std::erase_if(session_.HighlightedRows, [count](std::int32_t n) { return n > count; });
     syncingGrid_ = false;
 }
 
-void Ardelvantine::ShowWarnings() {
-    const auto& w = session_.recording.warnings;
-    if (w.empty()) return;
-    QStringList lines;
-    for (const std::string& s : w) lines << Q(s);
-    statusText_->setText("Opened with warnings: " + lines.join("  "));
-    statusText_->setToolTip(lines.join("\n"));
+void Ardelvantine::ShowCriteriaWindow() {
+    if (!criteria_) {
+        // Closed, it opens again on the next menu item; its boxes keep their contents.
+        criteria_ = new CriteriaWindow(this, [this](const std::string& name) { RunHandler(name); });
+    }
+    criteria_->Show(forms_.criteria);
+    criteria_->show();
+    criteria_->raise();
+    criteria_->activateWindow();
 }
 
 // ---------------------------------------------------------------------------------------------
 // File list
 
 void Ardelvantine::ShowFolder(const fs::path& folder) {
-    std::error_code ec;
-    fs::path dir = fs::weakly_canonical(fs::absolute(folder, ec), ec);
-    if (dir.empty() || !fs::is_directory(dir, ec)) return;
-    session_.CurrentFolder = dir;
-    session_.options.DataDir = dir.string();
-    RecentFiles::SetLastFolder(Q(dir.string()));
-    folderBox_->setText(Q(dir.string()));
+    ardel::ShowFolder(session_, forms_.main, folder);
+    ShowFileList();
+}
+
+void Ardelvantine::ShowFileList() {
+    const MainForm& f = forms_.main;
+    if (f.DirListBoxFETCH == folderShown_ && f.FListBoxFETCH == listShown_) return;
+    const bool sameFolder = f.DirListBoxFETCH == folderShown_;
+    // A file just written (an event file) shows at once; the list keeps its place.
+    const int row = fileList_->currentRow();
+    const int scroll = fileList_->verticalScrollBar()->value();
+    folderShown_ = f.DirListBoxFETCH;
+    listShown_ = f.FListBoxFETCH;
+    folderBox_->setText(Q(folderShown_));
+    if (!folderShown_.empty()) RecentFiles::SetLastFolder(Q(folderShown_));
 
     fileList_->clear();
-    const QDir qdir(Q(dir.string()));
+    const fs::path dir(folderShown_);
     const QIcon folderIcon = style()->standardIcon(QStyle::SP_DirIcon);
     const QIcon fileIcon = style()->standardIcon(QStyle::SP_FileIcon);
-    if (dir.has_parent_path() && dir.parent_path() != dir) {
-        auto* up = new QListWidgetItem(folderIcon, "..");
-        up->setData(Qt::UserRole, Q(dir.parent_path().string()));
-        up->setData(Qt::UserRole + 1, true);
-        fileList_->addItem(up);
-    }
-    for (const QString& name :
-         qdir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase)) {
-        auto* item = new QListWidgetItem(folderIcon, name);
-        item->setData(Qt::UserRole, qdir.absoluteFilePath(name));
-        item->setData(Qt::UserRole + 1, true);
+    for (const std::string& name : listShown_) {
+        const fs::path path = name == ".." ? dir.parent_path() : dir / name;
+        std::error_code ec;
+        const bool isDir = name == ".." || fs::is_directory(path, ec);
+        auto* item = new QListWidgetItem(isDir ? folderIcon : fileIcon, Q(name));
+        item->setData(Qt::UserRole, Q(path.string()));
+        item->setData(Qt::UserRole + 1, isDir);
         fileList_->addItem(item);
     }
-    for (const QString& name :
-         qdir.entryList(kFilePatterns, QDir::Files, QDir::Name | QDir::IgnoreCase)) {
-        auto* item = new QListWidgetItem(fileIcon, name);
-        item->setData(Qt::UserRole, qdir.absoluteFilePath(name));
-        item->setData(Qt::UserRole + 1, false);
-        fileList_->addItem(item);
+    if (sameFolder) {
+        if (row >= 0 && row < fileList_->count()) fileList_->setCurrentRow(row);
+        fileList_->verticalScrollBar()->setValue(scroll);
     }
 }
 
@@ -503,23 +532,7 @@ void Ardelvantine::FListBoxFETCH_Click(QListWidgetItem* item) {
         if (runDepth_ == 0) ShowFolder(path);
         return;
     }
-    OpenRecording(path);
-}
-
-void Ardelvantine::OpenRecording(const fs::path& path) {
-    Run("FListBoxFETCH", kPlain, [this, path] {
-        if (!QueryUnsavedEventsBeforeOpen(session_, *ui_)) return;
-        // The readout of the last file's pointer position means nothing for the next one.
-        label4_->clear();
-        OpenDataFile(session_, *ui_, path);
-        // A refused file leaves nothing open: the name of the one before must not stay.
-        if (!session_.recording.FileIsOpen) session_.Label11.clear();
-        text1_->setText(Q(DisplayGainText(session_)));
-        ShowWarnings();
-        if (session_.recording.FileIsOpen) RememberRecording();
-        if (datInfo_ && datInfo_->isVisible() && session_.recording.FileIsOpen)
-            datInfo_->Fill(session_);
-    });
+    RunEntry(OpenFileEntry(path));
     if (session_.recording.FileIsOpen) picture_->setFocus();
 }
 
@@ -532,12 +545,12 @@ void Ardelvantine::OpenFileAsClick(const fs::path& file) {
         QListWidgetItem* item = fileList_->item(i);
         if (!item->data(Qt::UserRole + 1).toBool() && item->text() == name) {
             fileList_->setCurrentItem(item);
-            FListBoxFETCH_Click(item);
-            return;
+            break;
         }
     }
     // A file the list does not show (another pattern) opens all the same.
-    OpenRecording(full);
+    RunEntry(OpenFileEntry(full));
+    if (session_.recording.FileIsOpen) picture_->setFocus();
 }
 
 void Ardelvantine::ShowLastFolder() {
@@ -548,27 +561,6 @@ void Ardelvantine::ShowLastFolder() {
 void Ardelvantine::RememberRecording() {
     RecentFiles::Add(Q(session_.recording.DataFilePath.string()));
     RebuildRecentMenu();
-}
-
-void Ardelvantine::RefreshFileList() {
-    // A file just written (an event file) shows at once; the list keeps its place.
-    const int row = fileList_->currentRow();
-    const int scroll = fileList_->verticalScrollBar()->value();
-    ShowFolder(session_.CurrentFolder);
-    if (row >= 0 && row < fileList_->count()) fileList_->setCurrentRow(row);
-    fileList_->verticalScrollBar()->setValue(scroll);
-}
-
-void Ardelvantine::menu_OpenRecording_Click() {
-    if (runDepth_ > 0) {
-        Run("Open Recording", kPlain, [] {});  // refused with the busy notice
-        return;
-    }
-    FileDialogSpec spec;
-    spec.title = "Open Recording";
-    spec.filter = "ABF Data File (*.DAT *.ABF)|*.DAT;*.ABF|Event File (*.EVT)|*.EVT|All Files (*)|*";
-    spec.initialDirectory = session_.CurrentFolder;
-    if (const auto chosen = ui_->OpenFileName(spec)) OpenFileAsClick(*chosen);
 }
 
 void Ardelvantine::dragEnterEvent(QDragEnterEvent* event) {
@@ -591,23 +583,21 @@ void Ardelvantine::dropEvent(QDropEvent* event) {
 
 void Ardelvantine::GridRowChosen(int row) {
     if (row < 0) return;
-    Run("TDBGrid1", kDuringRun, [this, row] {
-        SelectEventFromGrid(session_, row + 1);
-        if (session_.recording.FileIsOpen && session_.events.EventCount() > 0)
-            session_.events.GridCurrentRow = session_.events.CurrentEvent;
-    });
+    RunEntry(GridRowEntry(row + 1));
 }
 
 void Ardelvantine::GridSelectionChanged() {
+    // The highlighted list keeps the order of highlighting: rows no longer selected leave it,
+    // newly selected ones join at its end (a range in row order).
     QSet<int> now;
     for (const QModelIndex& i : grid_->selectionModel()->selectedRows()) now.insert(i.row() + 1);
-    std::erase_if(highlighted_, [&now](std::int32_t n) { return !now.contains(n); });
+    std::vector<std::int32_t>& rows = session_.HighlightedRows;
+    std::erase_if(rows, [&now](std::int32_t n) { return !now.contains(n); });
     QList<int> added;
     for (int n : now)
-        if (std::find(highlighted_.begin(), highlighted_.end(), n) == highlighted_.end())
-            added << n;
+        if (std::find(rows.begin(), rows.end(), n) == rows.end()) added << n;
     std::sort(added.begin(), added.end());
-    for (int n : added) highlighted_.push_back(n);
+    for (int n : added) rows.push_back(n);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -619,49 +609,11 @@ bool Ardelvantine::HandleKey(int qtKey, Qt::KeyboardModifiers modifiers) {
     const Key key = KeyOfQt(qtKey);
     if (key == Key::None) return false;
     const KeyBinding binding = BindingForKey(key, modifiers & Qt::ControlModifier);
-    switch (binding.command) {
-        case KeyCommand::Command1:
-            Command1_Click();
-            return true;
-        case KeyCommand::Command2:
-            Command2_Click();
-            return true;
-        case KeyCommand::Command3:
-            Command3_Click();
-            return true;
-        case KeyCommand::Command4:
-            Command4_Click();
-            return true;
-        case KeyCommand::DoublePeak:
-            menu_DoublePeak_Click();
-            return true;
-        case KeyCommand::RejectThisEvent:
-            menu_RejectThisEvent_Click();
-            return true;
-        case KeyCommand::DeletEvent:
-            menu_DeletEvent_Click();
-            return true;
-        case KeyCommand::RecalculatePeak:
-            menu_RecalculatePeak_Click();
-            return true;
-        case KeyCommand::Navigate:
-        case KeyCommand::IncreaseDisplayOffset:
-        case KeyCommand::DecreaseDisplayOffset:
-        case KeyCommand::IncreaseDisplayGain:
-        case KeyCommand::DecreaseDisplayGain:
-            Run("Navigate", kDuringRun, [this, binding] {
-                const int channel = std::min<int>(session_.recording.ChannelIndex, 15);
-                const float gain = session_.display.DisplayGain[std::size_t(channel)];
-                RunViewKey(session_, *ui_, binding);
-                if (session_.display.DisplayGain[std::size_t(channel)] != gain)
-                    text1_->setText(Q(DisplayGainText(session_)));
-            });
-            return true;
-        default:
-            // The event edits and the group window come with their own commands; until then
-            // their keys are left to the controls.
-            return false;
-    }
+    if (binding.command == KeyCommand::None) return false;
+    // A key whose handler is not there yet (F3, the group window) is taken and does nothing.
+    if (const auto entry = KeyEntry(table_, binding))
+        RunEntry(*entry, RunKindOf(KeyHandlerName(binding)));
+    return true;
 }
 
 bool Ardelvantine::eventFilter(QObject* watched, QEvent* event) {
@@ -689,7 +641,7 @@ bool Ardelvantine::eventFilter(QObject* watched, QEvent* event) {
                 if (grid_->indexAt(me->position().toPoint()).isValid())
                     GridRowChosen(grid_->currentIndex().row());
             } else if (watched == label11_ && me->button() == Qt::LeftButton) {
-                menu_DatInfo_Click();
+                RunHandler("Label11");
             }
             break;
         }
@@ -701,28 +653,33 @@ bool Ardelvantine::eventFilter(QObject* watched, QEvent* event) {
 
 void Ardelvantine::Picture1_MouseMove(double x, double y) {
     if (!session_.recording.FileIsOpen) return;
-    label4_->setText(Q(Label4Text(session_, x, y)));
-    if (PictureMouseMove(session_, cursors_, x, y)) {
-        lbCursor_->setText(Q(cursors_.lbCursor));
+    MainForm& f = forms_.main;
+    f.Label4 = Label4Text(session_, x, y);
+    label4_->setText(Q(f.Label4));
+    if (PictureMouseMove(session_, f.cursors, x, y)) {
+        f.lbCursor = f.cursors.lbCursor;
+        lbCursor_->setText(Q(f.lbCursor));
         picture_->update();
     }
 }
 
 void Ardelvantine::Picture1_MouseDown(Qt::MouseButton button, int shiftMask, double x, double y) {
     if (button != Qt::LeftButton) return;
-    Run("Picture1", kPlain, [this, shiftMask, x, y] {
-        PictureMouseDown(session_, *ui_, cursors_, x, y, shiftMask,
-                         picture_->TextWidthInPoints("X"));
-    });
+    const double textWidth = picture_->TextWidthInPoints("X");
+    RunEntry({"Picture1", kPlainCommand, [shiftMask, x, y, textWidth](CommandContext& c) {
+                  CursorState& cur = c.forms.main.cursors;
+                  PictureMouseDown(c.session, c.ui, cur, x, y, shiftMask, textWidth);
+                  c.forms.main.lbCursor = cur.lbCursor;
+              }});
 }
 
 void Ardelvantine::Picture1_MouseUp(Qt::MouseButton button, int, double x, double) {
     if (button != Qt::RightButton) return;
     bool popup = false;
-    Run("Picture1", kPlain, [this, x, &popup] {
-        popup = PictureMouseUpRight(session_, x, picture_->TextWidthInPoints("X")) ==
-                TracePopup::EventEdit;
-    });
+    const double textWidth = picture_->TextWidthInPoints("X");
+    RunEntry({"Picture1", kPlainCommand, [x, textWidth, &popup](CommandContext& c) {
+                  popup = PictureMouseUpRight(c.session, x, textWidth) == TracePopup::EventEdit;
+              }});
     if (!popup) {
         StopBlinking();
         return;
@@ -731,15 +688,23 @@ void Ardelvantine::Picture1_MouseUp(Qt::MouseButton button, int, double x, doubl
     StartBlinking();
     menuEventEdit_->exec(QCursor::pos());
     StopBlinking();
-    Run("menu_EventEdit", kPlain, [this] { EventEditMenuClosed(session_); });
+    RunEntry({"menu_EventEdit", kPlainCommand,
+              [](CommandContext& c) { EventEditMenuClosed(c.session); }});
 }
 
-void Ardelvantine::ckCursors_Click(bool on) {
-    cursors_.ckCursors = on;
-    if (on) PlaceCursors(cursors_, session_.recording.ScreenPoints());
-    cursors_.DraggedCursor = kNoCursor;
-    lbCursor_->setText(on ? Q(CursorReadout(session_, cursors_)) : QString());
-    picture_->update();
+void Ardelvantine::Picture1_Wheel(int notches, bool ctrl) {
+    RunEntry({"Picture1", kDuringRun, [notches, ctrl](CommandContext& c) {
+                  const int direction = notches > 0 ? 1 : -1;
+                  for (int k = 0; k < std::abs(notches); ++k) {
+                      if (ctrl)
+                          StepDisplayGain(c.session, direction);
+                      else if (direction > 0)
+                          JumpToPrevScreen(c.session);
+                      else
+                          JumpToNextScreen(c.session);
+                  }
+                  if (ctrl) c.forms.main.Text1 = DisplayGainText(c.session);
+              }});
 }
 
 void Ardelvantine::StartBlinking() {
@@ -757,224 +722,28 @@ void Ardelvantine::Timer1_Timer() {
     if (ckSoundOn_->isChecked()) ui_->Beep();
 }
 
-void Ardelvantine::Timer2_Timer() {
-    Run("Timer2", kDuringRun, [this] {
-        if (!TimedDisplayTick(session_)) timer2_->stop();
-    });
-}
-
 void Ardelvantine::closeEvent(QCloseEvent* event) {
     if (runDepth_ > 0) {
         // The run is deep in the stack: stop it, and close once it has unwound.
-        Command4(session_);
+        if (runKind_ == RunKind::Selection)
+            forms_.criteria.Command2Caption = std::string(kStartSelection);
+        else
+            RunHandler("Command4");
         closePending_ = true;
         event->ignore();
         return;
     }
-    bool leave = true;
-    Run("Exit", kPlain, [this, &leave] { leave = QueryUnsavedEventsOnExit(session_, *ui_); });
-    if (!leave) {
+    context_->exitRequested = false;
+    RunHandler("menu_Exit");
+    if (!context_->exitRequested) {
         event->ignore();
         return;
     }
     timer1_->stop();
     timer2_->stop();
     if (datInfo_) datInfo_->close();
+    if (criteria_) criteria_->close();
     event->accept();
-}
-
-// ---------------------------------------------------------------------------------------------
-// Commands
-
-void Ardelvantine::Command1_Click() {
-    Run("Analyse this window", kPlain, [this] { Command1(session_, *ui_); });
-}
-
-void Ardelvantine::Command2_Click() {
-    Run("Analyse next window", kPlain, [this] { Command2(session_, *ui_); });
-}
-
-void Ardelvantine::Command3_Click() {
-    Run(
-        "Nonstop Analysis", kLongRun, [this] { Command3(session_, *ui_); }, RunKind::NonStop);
-    statusText_->setText(QString("%1 events.").arg(session_.events.EventCount()));
-}
-
-void Ardelvantine::Command4_Click() {
-    Run("Interrupt", kDuringRun, [this] { Command4(session_); });
-}
-
-void Ardelvantine::Command5_Click() {
-    Run("Reset Events", kPlain, [this] { Command5(session_, *ui_); });
-}
-
-void Ardelvantine::Command6_Click() {
-    Run("Save Settings", kPlain, [this] { Command6(session_, *ui_, iniPath_); });
-}
-
-void Ardelvantine::Command7_Click() {
-    Run("Save Settings", kPlain, [this] { Command7(session_, *ui_, iniPath_); });
-}
-
-void Ardelvantine::menu_DatInfo_Click() {
-    Run("DAT File Info", kDuringRun, [this] {
-        if (!session_.recording.FileIsOpen) return;
-        if (!datInfo_) datInfo_ = new DatInfoDialog(this);
-        datInfo_->Fill(session_);
-        datInfo_->show();
-        datInfo_->raise();
-        datInfo_->activateWindow();
-    });
-}
-
-void Ardelvantine::menu_ExtractSynchArray_Click(int index) {
-    const SynchTarget target = index == 0   ? SynchTarget::DataArray1
-                               : index == 1 ? SynchTarget::DataArray2
-                                            : SynchTarget::EventTable;
-    Run("Extract Synch Array", kPlain,
-        [this, target] { menu_ExtractSynchArray(session_, *ui_, target); });
-}
-
-void Ardelvantine::menu_OpenEvent_Click() {
-    Run("Open Event File", kPlain, [this] { menu_OpenEvent(session_, *ui_); });
-}
-
-void Ardelvantine::menu_SaveEvent_Click() {
-    Run("Save Event File", kPlain, [this] {
-        if (menu_SaveEvent(session_, *ui_)) RefreshFileList();
-    });
-}
-
-void Ardelvantine::menu_SaveParameter_Click() {
-    Run("Save Parameters", kPlain, [this] { menu_SaveParameter(session_, *ui_, programDir_); });
-}
-
-void Ardelvantine::menu_LoadParameter_Click() {
-    Run("Load Parameters", kPlain, [this] { menu_LoadParameter(session_, *ui_, programDir_); });
-}
-
-void Ardelvantine::menu_FileComments_Click() {
-    Run("File Comments", kPlain, [this] { menu_FileComments(session_, *ui_); });
-}
-
-void Ardelvantine::menu_SaveSettingsCustom_Click() {
-    Run("Save Settings in Custom Settings File", kPlain,
-        [this] { menu_SaveSettingsCustom(session_, *ui_, iniPath_); });
-}
-
-void Ardelvantine::menu_LoadSettings_Click() {
-    Run("Load Settings", kPlain, [this] {
-        if (const auto texts = menu_LoadSettings(session_, *ui_, iniPath_))
-            ApplySettingsTexts(*texts);
-    });
-}
-
-void Ardelvantine::menu_batch_Click() {
-    Run(
-        "Batch Analysis", kLongRun,
-        [this] {
-            const BatchReport report = menu_batch(session_, *ui_);
-            if (report.files.empty()) return;
-            const auto analysed = std::count_if(
-                report.files.begin(), report.files.end(),
-                [](const BatchFileOutcome& f) { return f.status == BatchFileStatus::Analysed; });
-            statusText_->setText(QString("Batch analysis: %1 of %2 files analysed%3.")
-                                     .arg(analysed)
-                                     .arg(report.files.size())
-                                     .arg(report.interrupted ? ", interrupted" : ""));
-            RefreshFileList();
-        },
-        RunKind::Batch);
-}
-
-void Ardelvantine::menu_DoublePeak_Click() {
-    Run("Analyse Double Peak", kPlain, [this] { ardel::menu_DoublePeak_Click(session_, *ui_); });
-}
-
-void Ardelvantine::menu_ScanDoublePeak_Click() {
-    Run(
-        "Scan and Detect Double Peaks", kLongRun, [this] { menu_ScanDoublePeak(session_, *ui_); },
-        RunKind::EventScan);
-}
-
-void Ardelvantine::menu_Navigates_Click(int index) {
-    const auto item = NavigationItem(index);
-    Run("Navigate", kDuringRun, [this, item] { Navigate(session_, *ui_, item); });
-}
-
-void Ardelvantine::menu_RejectThisEvent_Click() {
-    Run("Reject This Event", kPlain, [this] { menu_RejectThisEvent(session_, *ui_); });
-}
-
-void Ardelvantine::menu_DeletEvent_Click() {
-    Run("Delete This Event", kPlain, [this] {
-        menu_DeletEvent(session_, *ui_);
-        // The deleted event's marks leave the picture; the new selection is marked.
-        RedrawSelection(session_);
-    });
-}
-
-void Ardelvantine::menu_RecalculatePeak_Click() {
-    Run("Recalculate Peak", kPlain, [this] { menu_RecalculatePeak(session_, *ui_); });
-}
-
-void Ardelvantine::menu_BaselineThreshold_Click() {
-    Run("Use Threshold as Baseline", kPlain, [this] { menu_BaselineThreshold(session_, *ui_); });
-}
-
-void Ardelvantine::menu_ScanAdjustBaseline_Click() {
-    Run(
-        "Scan and Adjust Baseline to Threshold", kLongRun,
-        [this] { menu_ScanAdjustBaseline(session_, *ui_); }, RunKind::EventScan);
-}
-
-void Ardelvantine::menu_SuggParam_Click(int index) {
-    Run("Suggest Analysis Parameters", kPlain, [this, index] {
-        menu_SuggParam(session_, *ui_, index, [this](const DetectionFrameTexts& texts) {
-            for (int i = 0; i < 7; ++i) text4_[i]->setText(Q(texts.Text4[std::size_t(i)]));
-            combo1_->setCurrentText(Q(texts.Combo1));
-        });
-    });
-}
-
-void Ardelvantine::menu_RMSNoise_Click() {
-    std::optional<RmsNoiseResult> result;
-    Run("Measure RMS Noise", kPlain, [this, &result] {
-        result = menu_RMSNoise(session_, *ui_, [this] { tabs_->setCurrentIndex(0); });
-    });
-    // The engine's text of the unrounded value goes into both boxes.
-    if (result && result->threshold) {
-        text4_[0]->setText(Q(result->thresholdText));
-        text4_[6]->setText(Q(result->thresholdText));
-    }
-}
-
-void Ardelvantine::menu_AutoScale_Click() {
-    Run("Auto Scale", kDuringRun, [this] {
-        AutoScale(session_);
-        text1_->setText(Q(DisplayGainText(session_)));
-    });
-}
-
-void Ardelvantine::Picture1_Wheel(int notches, bool ctrl) {
-    Run("Picture1", kDuringRun, [this, notches, ctrl] {
-        const int direction = notches > 0 ? 1 : -1;
-        for (int k = 0; k < std::abs(notches); ++k) {
-            if (ctrl)
-                StepDisplayGain(session_, direction);
-            else if (direction > 0)
-                JumpToPrevScreen(session_);
-            else
-                JumpToNextScreen(session_);
-        }
-        if (ctrl) text1_->setText(Q(DisplayGainText(session_)));
-    });
-}
-
-void Ardelvantine::menu_DisplayContinously_Click() {
-    Run("Display Data Trace Continously", kPlain, [this] {
-        if (const auto interval = StartTimedDisplay(session_, *ui_)) timer2_->start(*interval);
-    });
 }
 
 }  // namespace ardel

@@ -1,7 +1,8 @@
 // The main window (Ardelvantine): the trace picture, the file list, the detection parameters,
-// the analysis buttons, the options panel, the event grid and the menus. Every handler reads
-// the controls it needs into the session, calls one engine command and shows the result; the
-// window holds no analysis of its own.
+// the analysis buttons, the options panel, the event grid and the menus. Its widgets are bound
+// to the main form's struct; every button, menu item and key runs its handler by name through
+// the command table, which the script runner uses too. The window adds only what is Qt: the
+// progress bar, the refusal while a long run goes on, the repaint.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QElapsedTimer>
@@ -17,9 +19,9 @@
 #include "core/event_commands.h"
 #include "core/forwarding_dialogs.h"
 #include "core/session.h"
-#include "core/settings.h"
 #include "core/user_dialogs.h"
-#include "detect/manual_edit.h"
+#include "script/command_table.h"
+#include "script/forms.h"
 #include "view/navigation.h"
 
 class QAction;
@@ -38,12 +40,13 @@ class QSlider;
 class QTabWidget;
 class QTableView;
 class QTimer;
-class QToolButton;
 
 namespace ardel {
 
+class CriteriaWindow;
 class DatInfoDialog;
 class EventGridModel;
+class EventListPrinter;
 class TraceView;
 
 class Ardelvantine : public QMainWindow {
@@ -57,8 +60,14 @@ class Ardelvantine : public QMainWindow {
     ~Ardelvantine() override;
 
     Session& session() { return session_; }
+    Forms& forms() { return forms_; }
     UserDialogs& dialogs() { return *ui_; }
     const std::filesystem::path& IniPath() const { return iniPath_; }
+    const CommandTable& commands() const { return table_; }
+
+    // Runs the handler of that name as its button, menu item or key does ("Command1",
+    // "menu_sort(2)", "Criteria.Command2"). False for a name the table does not have.
+    bool RunHandler(const std::string& name);
 
     // Shows a folder in the file list and makes it the current folder of the file dialogs.
     void ShowFolder(const std::filesystem::path& folder);
@@ -70,59 +79,30 @@ class Ardelvantine : public QMainWindow {
 
     // The grid's highlighted rows as event numbers, in the order they were highlighted: the
     // selection list of the commands that act on highlighted events.
-    const std::vector<std::int32_t>& HighlightedEvents() const { return highlighted_; }
+    const std::vector<std::int32_t>& HighlightedEvents() const { return session_.HighlightedRows; }
 
-    // True while a non-stop run, a double-peak scan or a batch run is going on.
+    // True while a non-stop run, a scan, a batch run or a random selection is going on.
     bool IsRunning() const { return runDepth_ > 0; }
 
     // The selected event's mark blinks (Timer1) between these calls.
     void StartBlinking();
     void StopBlinking();
 
-    // Handlers of the controls, under the controls' names.
-    void Command1_Click();
-    void Command2_Click();
-    void Command3_Click();
-    void Command4_Click();
-    void Command5_Click();
-    void Command6_Click();
-    void Command7_Click();
-    void menu_DatInfo_Click();
-    void menu_ExtractSynchArray_Click(int index);
-    void menu_OpenEvent_Click();
-    void menu_SaveEvent_Click();
-    void menu_SaveParameter_Click();
-    void menu_LoadParameter_Click();
-    void menu_FileComments_Click();
-    void menu_SaveSettingsCustom_Click();
-    void menu_LoadSettings_Click();
-    void menu_batch_Click();
-    void menu_DoublePeak_Click();
-    void menu_ScanDoublePeak_Click();
-    void menu_Navigates_Click(int index);
-    void menu_DisplayContinously_Click();
-    void menu_RejectThisEvent_Click();
-    void menu_DeletEvent_Click();
-    void menu_RecalculatePeak_Click();
-    void menu_BaselineThreshold_Click();
-    void menu_ScanAdjustBaseline_Click();
-    void menu_SuggParam_Click(int index);
-    void menu_RMSNoise_Click();
-    void menu_OpenRecording_Click();
-    void menu_AutoScale_Click();
     // The wheel over the trace: a screen per notch (up goes back); with Ctrl the gain.
     void Picture1_Wheel(int notches, bool ctrl);
-
     // The trace's mouse handlers, with positions in picture units and the shift mask of the
     // old handlers (1 Shift, 2 Ctrl, 4 Alt).
     void Picture1_MouseMove(double x, double y);
     void Picture1_MouseDown(Qt::MouseButton button, int shiftMask, double x, double y);
     void Picture1_MouseUp(Qt::MouseButton button, int shiftMask, double x, double y);
 
-    const CursorState& Cursors() const { return cursors_; }
+    const CursorState& Cursors() const { return forms_.main.cursors; }
 
     // The key handler of the window: true when the key was a command.
     bool HandleKey(int qtKey, Qt::KeyboardModifiers modifiers);
+
+    // The Criteria window once a menu item has opened it; null before.
+    CriteriaWindow* criteriaWindow() const { return criteria_; }
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -131,63 +111,60 @@ class Ardelvantine : public QMainWindow {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    enum RunFlags : unsigned {
-        kPlain = 0,
-        kLongRun = 1,    // loops that yield: the window stays live and shows progress
-        kDuringRun = 2,  // may run while a long run is yielding (moves, display, Interrupt)
-    };
-    enum class RunKind { None, NonStop, EventScan, Batch };
+    enum class RunKind { None, NonStop, EventScan, Batch, Selection };
+    class WindowDialogs;
+    static RunKind RunKindOf(std::string_view name);
 
-    // Every handler runs here: the controls are read into the session, the command runs,
-    // changed parameters go back into the controls, and the window is brought up to date.
-    // An unexpected error becomes a message naming the command; the session stays usable.
-    void Run(const char* command, unsigned flags, const std::function<void()>& body,
-             RunKind kind = RunKind::None);
+    // Every handler runs here: the widgets into the forms, RunCommand, the forms back into the
+    // widgets, the window brought up to date. A long run shows progress; while one goes on,
+    // only the commands that may run during it are taken.
+    void RunEntry(const CommandEntry& entry, RunKind kind = RunKind::None);
+    void RegisterDesktopCommands();
 
     void BuildUi();
     void BuildMenus();
+    void BuildEventMenus();
     void RebuildRecentMenu();
     void RememberRecording();
-    void RefreshFileList();
-    void OpenRecording(const std::filesystem::path& path);
     QWidget* BuildFilePanel();
     QWidget* BuildTracePanel();
     QWidget* BuildAnalysisPanel();
     QWidget* BuildOptionsPanel();
+    QAction* AddAction(QMenu* menu, const std::string& handler, const QString& caption);
 
-    // Controls -> session at the moment of use, and back after a command changed them.
-    void ReadControls();
-    void WriteParameterControls();
-    void WriteOptionControls();
-    void ApplySettingsTexts(const MainWindowTexts& texts);
-    void LoadStartupSettings();
+    // The binding of the main form: widgets -> struct before a command, struct -> widgets
+    // after it.
+    void ReadWidgets();
+    void ShowForms();
+    void ShowFileList();
+    void ShowDisplayWidgets();
     void ParkToolTips(bool park);
 
     // Display's notice: the picture and the display controls follow, at most every few
     // frames while a long run is going on.
     void OnDisplay();
-    void RefreshDisplayControls();
     void RefreshProgress();
     void RefreshAll();
     void SyncGrid();
-    void ShowWarnings();
+    void ShowCriteriaWindow();
 
     void FListBoxFETCH_Click(QListWidgetItem* item);
     void GridRowChosen(int row);
     void GridSelectionChanged();
-    void ckCursors_Click(bool on);
     void Timer1_Timer();
-    void Timer2_Timer();
-
-    QAction* AddAction(QMenu* menu, const char* name, const QString& caption,
-                       const std::function<void()>& handler);
 
     Session session_;
-    CursorState cursors_;
+    Forms forms_;
+    CommandTable table_;
     std::unique_ptr<UserDialogs> ownDialogs_;
+    // The dialogs every command gets: the window's, with a Yield that shows what a running
+    // command changed on its buttons first.
+    std::unique_ptr<WindowDialogs> runDialogs_;
     UserDialogs* ui_ = nullptr;
     // The screen filter runs on every redraw; its cut-off warning is shown once per command.
     std::unique_ptr<OncePerCommandMessages> filterMessages_;
+    std::unique_ptr<CommandContext> context_;
+    std::unique_ptr<EventListPrinter> printer_;
     GridAgreement gridAgreement_;
     std::filesystem::path programDir_;
     std::filesystem::path iniPath_;
@@ -223,8 +200,9 @@ class Ardelvantine : public QMainWindow {
     QComboBox* combo5_ = nullptr;
     QTableView* grid_ = nullptr;
     EventGridModel* gridModel_ = nullptr;
-    QMenu* menuEvents_ = nullptr;
-    QMenu* menuEventEdit_ = nullptr;
+    QMenu* menuEvents_ = nullptr;      // the grid's popup
+    QMenu* menuEventList_ = nullptr;   // "Events" in the main menu
+    QMenu* menuEventEdit_ = nullptr;   // the popup of an event on the trace
     QMenu* menuRecent_ = nullptr;
     QLabel* statusText_ = nullptr;
     QProgressBar* progress_ = nullptr;
@@ -232,6 +210,7 @@ class Ardelvantine : public QMainWindow {
     QTimer* timer2_ = nullptr;
     QTimer* refreshTimer_ = nullptr;
     DatInfoDialog* datInfo_ = nullptr;
+    CriteriaWindow* criteria_ = nullptr;
 
     int runDepth_ = 0;
     RunKind runKind_ = RunKind::None;
@@ -239,8 +218,11 @@ class Ardelvantine : public QMainWindow {
     bool closePending_ = false;
     bool syncingGrid_ = false;
     bool gridPressing_ = false;
+    bool tipsShown_ = true;
+    std::vector<std::string> listShown_;  // the file list's entries as last shown
+    std::string folderShown_;
+    std::filesystem::path remembered_;    // the recording last put on the recent list
     QElapsedTimer lastRepaint_;
-    std::vector<std::int32_t> highlighted_;
 };
 
 }  // namespace ardel

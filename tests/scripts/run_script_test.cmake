@@ -3,8 +3,9 @@
 # standard output with NAME.out, standard error and the exit code with NAME.err (a script that
 # must fail) and every file under NAME.files/ with the file of the same name that the script
 # wrote. The expected files lie in SCRIPT_DIR/NAME.* unless EXPECTED names another prefix.
+# RUN_ARGS puts the script in another program's words (the desktop's "--program-dir;.;--run").
 #   cmake -DCLI=... -DSCRIPT=... -DNAME=... -DDEMO=... -DWORK=... [-DSUBDIR=...]
-#         [-DEXPECTED=...] -P run_script_test.cmake
+#         [-DEXPECTED=...] [-DRUN_ARGS=...] -P run_script_test.cmake
 if(NOT EXPECTED)
   get_filename_component(SCRIPT_DIR ${SCRIPT} DIRECTORY)
   set(EXPECTED ${SCRIPT_DIR}/${NAME})
@@ -22,7 +23,10 @@ file(COPY ${DEMO} DESTINATION ${RUN_DIR})
 file(COPY ${SCRIPT} DESTINATION ${RUN_DIR})
 get_filename_component(script_name ${SCRIPT} NAME)
 
-execute_process(COMMAND ${CLI} run --program-dir . ${PREFIX}${script_name}
+if(NOT RUN_ARGS)
+  set(RUN_ARGS run --program-dir .)
+endif()
+execute_process(COMMAND ${CLI} ${RUN_ARGS} ${PREFIX}${script_name}
                 WORKING_DIRECTORY ${WORK}
                 OUTPUT_FILE ${WORK}/stdout.txt ERROR_FILE ${WORK}/stderr.txt
                 RESULT_VARIABLE code)

@@ -19,7 +19,7 @@
 #include <QWheelEvent>
 
 #include "core/number_text.h"
-#include "ui/dat_info_dialog.h"
+#include "ui/datinfo/dat_info_dialog.h"
 #include "ui/main/recent_files.h"
 #include "ui/trace_view.h"
 #include "ui/window_rig.h"

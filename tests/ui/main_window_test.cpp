@@ -34,7 +34,7 @@
 #include "support/scripted_dialogs.h"
 #include "ui/window_rig.h"
 #include "support/synthetic.h"
-#include "ui/dat_info_dialog.h"
+#include "ui/datinfo/dat_info_dialog.h"
 #include "ui/trace_view.h"
 #include "view/navigation.h"
 
@@ -464,7 +464,9 @@ TEST_F(MainWindowTest, EventFilesRoundTripAndLoadedParametersReachTheControls) {
 TEST_F(MainWindowTest, AnUnexpectedErrorBecomesAMessageAndTheSessionStaysUsable) {
     window_->OpenFileAsClick(recording_);
     Find<QLineEdit>("Text4(1)")->setText("99999999999");  // too large for its variable
-    dialogs_.ExpectMessage("Analyse this window");
+    // The message names the program in its title and the command in its text, as a script
+    // prints it.
+    dialogs_.ExpectMessage("Ardelvantine");
     Press(Picture(), Qt::Key_F9);
     EXPECT_EQ(S().events.EventCount(), 0);
     Find<QLineEdit>("Text4(1)")->setText("10000");

@@ -1,5 +1,8 @@
 // The desktop program. "ardelvantine FILE" opens FILE as a click in the file list would.
 //
+// "ardelvantine --run SCRIPT" runs a script as "ardelvantine-cli run SCRIPT" does, with the same
+// output and exit code, offscreen: no window shows.
+//
 // For the documentation's picture:
 //   QT_QPA_PLATFORM=offscreen ardelvantine --analyse --screenshot docs/main_window.png
 //       examples/demo.abf
@@ -8,8 +11,11 @@
 // seconds a screen, gain and offset fitted by Auto Scale), analyses the first screen as F9
 // does, saves the window as a PNG and quits. Started without a file, the file list shows the
 // folder used last.
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <string>
 
 #include <QApplication>
@@ -18,9 +24,32 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 
+#include "app/cli/cli_run.h"
+#include "ui/criteria/criteria_window.h"
 #include "ui/main_window.h"
 
+namespace {
+
+bool RunRequested(int argc, char* argv[]) {
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--run") == 0 || std::strncmp(argv[i], "--run=", 6) == 0)
+            return true;
+    return false;
+}
+
+}  // namespace
+
 int main(int argc, char* argv[]) {
+    // A script run needs no screen; the platform is chosen before the application starts. Its
+    // standard error carries the script's errors only, as the command line's does, so Qt's
+    // notes about the environment stay out of it.
+    if (RunRequested(argc, argv)) {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+            if (type == QtCriticalMsg || type == QtFatalMsg)
+                std::cerr << text.toStdString() << '\n';
+        });
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName("Ardelvantine");
 
@@ -33,9 +62,31 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption screenshot(
         "screenshot", "Save a picture of the window to <png> and quit; uses the default settings.",
         "png");
+    const QCommandLineOption run(
+        "run",
+        "Run a script of the desktop's commands (as ardelvantine-cli run) offscreen and quit; "
+        "- reads standard input.",
+        "script");
+    const QCommandLineOption programDirOption(
+        "program-dir", "With --run: the folder of Ardelvan.ini (default: the program's folder).",
+        "folder");
+    const QCommandLineOption criteria(
+        "criteria", "Open the Criteria window; with --screenshot the picture is of that window.");
     parser.addOption(analyse);
     parser.addOption(screenshot);
+    parser.addOption(criteria);
+    parser.addOption(run);
+    parser.addOption(programDirOption);
     parser.process(app);
+
+    if (parser.isSet(run)) {
+        ardel::cli::RunOptions options;
+        options.script = parser.value(run).toStdString();
+        options.programDir = parser.value(programDirOption).toStdString();
+        return ardel::cli::RunScriptCommand(
+            options, std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()),
+            std::cout, std::cerr);
+    }
 
     // Ardelvan.ini lies beside the program. A picture for the documentation must not depend
     // on anyone's settings, so it is taken with a fresh folder.
@@ -60,8 +111,9 @@ int main(int argc, char* argv[]) {
         window.OpenFileAsClick(std::filesystem::path(files.first().toStdString()));
     else if (!takePicture)
         window.ShowLastFolder();
-    if (takePicture) window.menu_AutoScale_Click();
-    if (parser.isSet(analyse)) window.Command1_Click();
+    if (takePicture) window.RunHandler("menu_AutoScale");
+    if (parser.isSet(analyse)) window.RunHandler("Command1");
+    if (parser.isSet(criteria)) window.RunHandler("menu_CriteriaSearch");
 
     if (takePicture) {
         // The picture shows the folder as it was named, not where it lies on this machine.
@@ -73,7 +125,9 @@ int main(int argc, char* argv[]) {
                 box->setText(QString::fromStdString(folder));
         }
         QApplication::processEvents();
-        const QImage picture = window.grab().toImage();
+        QWidget* shown = &window;
+        if (parser.isSet(criteria) && window.criteriaWindow()) shown = window.criteriaWindow();
+        const QImage picture = shown->grab().toImage();
         return picture.save(parser.value(screenshot)) ? 0 : 1;
     }
     return app.exec();

@@ -40,11 +40,10 @@ namespace ardel {
 namespace fs = std::filesystem;
 using namespace mainwindow;
 
-QAction* Ardelvantine::AddAction(QMenu* menu, const char* name, const QString& caption,
-                                 const std::function<void()>& handler) {
+QAction* Ardelvantine::AddAction(QMenu* menu, const std::string& handler, const QString& caption) {
     auto* a = new QAction(caption, this);
-    a->setObjectName(name);
-    connect(a, &QAction::triggered, this, [handler] { handler(); });
+    a->setObjectName(Q(handler));
+    connect(a, &QAction::triggered, this, [this, handler] { RunHandler(handler); });
     menu->addAction(a);
     return a;
 }
@@ -117,12 +116,16 @@ void Ardelvantine::BuildUi() {
     connect(timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
     timer2_ = new QTimer(this);
     timer2_->setObjectName("Timer2");
-    connect(timer2_, &QTimer::timeout, this, [this] { Timer2_Timer(); });
+    connect(timer2_, &QTimer::timeout, this, [this] {
+        RunEntry({"Timer2", kDuringRun, [this](CommandContext& c) {
+                      if (!TimedDisplayTick(c.session)) timer2_->stop();
+                  }});
+    });
     refreshTimer_ = new QTimer(this);
     refreshTimer_->setSingleShot(true);
     connect(refreshTimer_, &QTimer::timeout, this, [this] {
         lastRepaint_.restart();
-        RefreshDisplayControls();
+        ShowDisplayWidgets();
         RefreshProgress();
         SyncGrid();
         picture_->update();
@@ -191,22 +194,18 @@ QWidget* Ardelvantine::BuildTracePanel() {
     slider1_->setSingleStep(256);
     slider1_->setPageStep(kDisplayOffsetStep);
     slider1_->setToolTip("Display offset of the active channel");
-    connect(slider1_, &QSlider::valueChanged, this, [this](int v) {
-        Run("Slider1", kDuringRun, [this, v] { SetDisplayOffset(session_, v); });
-    });
+    connect(slider1_, &QSlider::valueChanged, this, [this] { RunHandler("Slider1"); });
 
     slider2_ = new QSlider(Qt::Horizontal);
     slider2_->setObjectName("Slider2");
     slider2_->setRange(0, 1);
     slider2_->setToolTip("Position of the screen in the recording");
-    connect(slider2_, &QSlider::valueChanged, this, [this](int v) {
-        Run("Slider2", kDuringRun, [this, v] { SetScreenFromSlider(session_, v); });
-    });
+    connect(slider2_, &QSlider::valueChanged, this, [this] { RunHandler("Slider2"); });
 
     connect(picture_, &TraceView::Wheel, this, [this](int notches, Qt::KeyboardModifiers m) {
         Picture1_Wheel(notches, m & Qt::ControlModifier);
     });
-    connect(picture_, &TraceView::ScaleTextDoubleClicked, this, [this] { menu_AutoScale_Click(); });
+    connect(picture_, &TraceView::ScaleTextDoubleClicked, this, [this] { RunHandler("menu_AutoScale"); });
     auto* timeAxis = new TraceAxisView(session_, *picture_, TraceAxisView::Kind::Time);
     auto* amplitudeAxis = new TraceAxisView(session_, *picture_, TraceAxisView::Kind::Amplitude);
     connect(picture_, &TraceView::Repainted, timeAxis, qOverload<>(&QWidget::update));
@@ -228,7 +227,7 @@ QWidget* Ardelvantine::BuildTracePanel() {
     label4_->setMinimumWidth(220);
     readouts->addWidget(label4_);
     ckCursors_ = CheckBox("ckCursors", "Cursors");
-    connect(ckCursors_, &QCheckBox::clicked, this, [this](bool on) { ckCursors_Click(on); });
+    connect(ckCursors_, &QCheckBox::clicked, this, [this] { RunHandler("ckCursors"); });
     readouts->addWidget(ckCursors_);
     lbCursor_ = new QLabel;
     lbCursor_->setObjectName("lbCursor");
@@ -237,7 +236,7 @@ QWidget* Ardelvantine::BuildTracePanel() {
 
     // A box with an up/down pair beside it, as the old spin buttons were.
     auto boxWithSpin = [&](const char* boxName, const char* spinName, const QString& caption,
-                           QLineEdit*& box, const std::function<void(int)>& step) {
+                           QLineEdit*& box) {
         row->addWidget(new QLabel(caption));
         box = new QLineEdit;
         box->setObjectName(boxName);
@@ -254,47 +253,33 @@ QWidget* Ardelvantine::BuildTracePanel() {
             b->setArrowType(dir > 0 ? Qt::UpArrow : Qt::DownArrow);
             b->setFixedSize(18, 11);
             b->setAutoRepeat(true);
-            connect(b, &QToolButton::clicked, this, [step, dir] { step(dir); });
+            const std::string handler = std::string(spinName) + (dir > 0 ? "Up" : "Down");
+            connect(b, &QToolButton::clicked, this, [this, handler] { RunHandler(handler); });
             v->addWidget(b);
         }
         row->addWidget(spin);
     };
-    boxWithSpin("Text1", "Spin1", "Gain", text1_, [this](int dir) {
-        Run("Spin1", kDuringRun, [this, dir] {
-            StepDisplayGain(session_, dir);
-            text1_->setText(Q(DisplayGainText(session_)));
-        });
-    });
-    boxWithSpin("Text3", "Spin3", "Blocks/Screen", text3_, [this](int dir) {
-        Run("Spin3", kPlain, [this, dir] {
-            StepBlocksPerScreen(session_, dir);
-            text3_->setText(Q(BlocksPerScreenText(session_)));
-        });
-    });
+    boxWithSpin("Text1", "Spin1", "Gain", text1_);
+    boxWithSpin("Text3", "Spin3", "Blocks/Screen", text3_);
     text1_->setToolTip("Display gain of the active channel (0.001 to 1000)");
     text3_->setToolTip("Blocks of 256 points per screen (1 to 32767)");
-    connect(text1_, &QLineEdit::editingFinished, this, [this] {
-        if (!text1_->isModified()) return;
-        text1_->setModified(false);
-        Run("Text1", kDuringRun,
-            [this] { text1_->setText(Q(SetDisplayGainText(session_, S(text1_->text())))); });
-    });
-    connect(text3_, &QLineEdit::editingFinished, this, [this] {
-        if (!text3_->isModified()) return;
-        text3_->setModified(false);
-        Run("Text3", kPlain,
-            [this] { text3_->setText(Q(SetBlocksPerScreenText(session_, S(text3_->text())))); });
-    });
+    // A box's change handler runs when its edit is finished, not on every key.
+    for (QLineEdit* box : {text1_, text3_}) {
+        connect(box, &QLineEdit::editingFinished, this, [this, box] {
+            if (!box->isModified()) return;
+            box->setModified(false);
+            RunHandler(S(box->objectName()));
+        });
+    }
 
     row->addWidget(new QLabel("Channel"));
     combo3_ = new QComboBox;
     combo3_->setObjectName("Combo3");
     combo3_->setToolTip("Active channel");
     connect(combo3_, &QComboBox::activated, this, [this](int index) {
-        Run("Combo3", kPlain, [this, index] {
-            SelectChannel(session_, index);
-            text1_->setText(Q(DisplayGainText(session_)));
-        });
+        // The entry chosen is the one the handler reads, however the choice was made.
+        combo3_->setCurrentIndex(index);
+        RunHandler("Combo3");
     });
     row->addWidget(combo3_);
     grid->addLayout(row, 3, 0, 1, 3);
@@ -328,21 +313,22 @@ QWidget* Ardelvantine::BuildAnalysisPanel() {
     form->addRow(ckComplexPeak_);
     layout->addWidget(frame);
 
-    auto button = [&](int n, const QString& caption, const std::function<void()>& handler) {
+    auto button = [&](int n, const QString& caption) {
         auto* b = new QPushButton(caption);
-        b->setObjectName(QString("Command%1").arg(n));
+        const std::string handler = "Command" + std::to_string(n);
+        b->setObjectName(Q(handler));
         b->setFocusPolicy(Qt::TabFocus);
-        connect(b, &QPushButton::clicked, this, [handler] { handler(); });
+        connect(b, &QPushButton::clicked, this, [this, handler] { RunHandler(handler); });
         command_[n] = b;
         return b;
     };
     auto* buttons = new QGridLayout;
-    buttons->addWidget(button(1, "&Analyse this window (F9)", [this] { Command1_Click(); }), 0, 0);
-    buttons->addWidget(button(2, "Analyse &next window (F10)", [this] { Command2_Click(); }), 0, 1);
-    buttons->addWidget(button(3, "Non&stop Analys. (F11)", [this] { Command3_Click(); }), 1, 0);
-    buttons->addWidget(button(4, "&Interrupt (F12)", [this] { Command4_Click(); }), 1, 1);
-    buttons->addWidget(button(5, "Reset Events", [this] { Command5_Click(); }), 2, 0);
-    buttons->addWidget(button(6, "&Save Settings", [this] { Command6_Click(); }), 2, 1);
+    buttons->addWidget(button(1, "&Analyse this window (F9)"), 0, 0);
+    buttons->addWidget(button(2, "Analyse &next window (F10)"), 0, 1);
+    buttons->addWidget(button(3, "Non&stop Analys. (F11)"), 1, 0);
+    buttons->addWidget(button(4, "&Interrupt (F12)"), 1, 1);
+    buttons->addWidget(button(5, "Reset Events"), 2, 0);
+    buttons->addWidget(button(6, "&Save Settings"), 2, 1);
     command_[3]->setToolTip("Continuous analysis starting from next window");
     command_[6]->setToolTip("Save settings in Ardelvan.ini");
     layout->addLayout(buttons);
@@ -373,7 +359,10 @@ QWidget* Ardelvantine::BuildOptionsPanel() {
     form->addRow("Group # for \"1234\" navigate keys", cbGpNav_);
     form->addRow("Time interval (ms) for CTL-T navigate key", cbInterval_);
     layout->addWidget(frame);
-    connect(ckTooltips_, &QCheckBox::clicked, this, [this](bool on) { ParkToolTips(!on); });
+    connect(ckTooltips_, &QCheckBox::clicked, this, [this](bool on) {
+        ParkToolTips(!on);
+        tipsShown_ = on;
+    });
 
     auto* filter = new QGroupBox("Digital Filter Settings");
     filter->setObjectName("Frame4");
@@ -388,15 +377,14 @@ QWidget* Ardelvantine::BuildOptionsPanel() {
     filterForm->addRow("Cut-off Freq (Hz)", combo5_);
     layout->addWidget(filter);
     // The filter works on every redraw, so a change shows at once.
-    auto redraw = [this] { Run("Check1", kDuringRun, [this] { Display(session_); }); };
-    connect(check1_, &QCheckBox::clicked, this, redraw);
-    connect(combo4_, &QComboBox::activated, this, redraw);
-    connect(combo5_, &QComboBox::activated, this, redraw);
+    connect(check1_, &QCheckBox::clicked, this, [this] { RunHandler("Check1"); });
+    connect(combo4_, &QComboBox::activated, this, [this] { RunHandler("Combo4"); });
+    connect(combo5_, &QComboBox::activated, this, [this] { RunHandler("Combo5"); });
 
     auto* save = new QPushButton("Save Settings");
     save->setObjectName("Command7");
     save->setFocusPolicy(Qt::TabFocus);
-    connect(save, &QPushButton::clicked, this, [this] { Command7_Click(); });
+    connect(save, &QPushButton::clicked, this, [this] { RunHandler("Command7"); });
     command_[7] = save;
     layout->addWidget(save);
     layout->addStretch(1);

@@ -31,6 +31,8 @@
 #include <QVBoxLayout>
 
 #include "detect/digital_filter.h"
+#include "detect/manual_edit.h"
+#include "events/event_list.h"
 #include "detect/suggested_parameters.h"
 #include "ui/main/recent_files.h"
 #include "ui/main/window_helpers.h"
@@ -45,119 +47,163 @@ using namespace mainwindow;
 void Ardelvantine::BuildMenus() {
     QMenu* file = menuBar()->addMenu("&File");
     file->setObjectName("menu_File");
-    AddAction(file, "menu_OpenRecording", "Open &Recording...",
-              [this] { menu_OpenRecording_Click(); })
-        ->setShortcut(QKeySequence::Open);
+    AddAction(file, "menu_OpenRecording", "Open &Recording...")->setShortcut(QKeySequence::Open);
     menuRecent_ = file->addMenu("Open Recen&t");
     menuRecent_->setObjectName("menu_RecentFiles");
     RebuildRecentMenu();
     file->addSeparator();
-    AddAction(file, "menu_OpenEvent", "&Open Event File", [this] { menu_OpenEvent_Click(); });
-    AddAction(file, "menu_SaveEvent", "&Save Event File", [this] { menu_SaveEvent_Click(); })
+    AddAction(file, "menu_OpenEvent", "&Open Event File");
+    AddAction(file, "menu_SaveEvent", "&Save Event File")
         ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
     file->addSeparator();
-    AddAction(file, "menu_SaveParameter", "Save &Parameters",
-              [this] { menu_SaveParameter_Click(); });
-    AddAction(file, "menu_LoadParameter", "&Load Parameters",
-              [this] { menu_LoadParameter_Click(); });
-    AddAction(file, "menu_FileComments", "File &Comments", [this] { menu_FileComments_Click(); });
+    AddAction(file, "menu_SaveParameter", "Save &Parameters");
+    AddAction(file, "menu_LoadParameter", "&Load Parameters");
+    AddAction(file, "menu_FileComments", "File &Comments");
     file->addSeparator();
     QMenu* saveSettings = file->addMenu("Save Settings");
     saveSettings->setObjectName("menu_SaveSettingsMenu");
-    AddAction(saveSettings, "menu_SaveSettingsArdel", "in Ardelvan.ini",
-              [this] { Command6_Click(); });
-    AddAction(saveSettings, "menu_SaveSettingsCustom", "in Custom Settings File",
-              [this] { menu_SaveSettingsCustom_Click(); });
-    AddAction(file, "menu_LoadSettings", "Load Settings", [this] { menu_LoadSettings_Click(); });
+    AddAction(saveSettings, "menu_SaveSettingsArdel", "in Ardelvan.ini");
+    AddAction(saveSettings, "menu_SaveSettingsCustom", "in Custom Settings File");
+    AddAction(file, "menu_LoadSettings", "Load Settings");
     file->addSeparator();
-    AddAction(file, "menu_DatInfo", "DAT File &Info", [this] { menu_DatInfo_Click(); });
+    AddAction(file, "menu_DatInfo", "DAT File &Info");
     QMenu* synch = file->addMenu("Extract Synch Array");
     synch->setObjectName("menu_ExtractSynchArray");
     const char* targets[3] = {"into Data Array #1", "into Data Array #2",
                               "into Event Table (Relative Time)"};
-    for (int i = 0; i < 3; ++i) {
-        AddAction(synch, QString("menu_ExtractSynchArray(%1)").arg(i).toUtf8().constData(),
-                  targets[i], [this, i] { menu_ExtractSynchArray_Click(i); });
-    }
+    for (int i = 0; i < 3; ++i)
+        AddAction(synch, "menu_ExtractSynchArray(" + std::to_string(i) + ")", targets[i]);
     file->addSeparator();
-    AddAction(file, "menu_batch", "&Batch Analysis", [this] { menu_batch_Click(); });
+    AddAction(file, "menu_batch", "&Batch Analysis");
     file->addSeparator();
-    AddAction(file, "menu_Exit", "E&xit", [this] { close(); })
-        ->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    // Closing the window asks what Exit asks; the window's close runs menu_Exit.
+    auto* exit = new QAction("E&xit", this);
+    exit->setObjectName("menu_Exit");
+    exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(exit, &QAction::triggered, this, [this] { close(); });
+    file->addAction(exit);
 
     QMenu* analysis = menuBar()->addMenu("&Analysis");
     analysis->setObjectName("menu_Analysis");
     QMenu* suggest = analysis->addMenu("Suggest Analysis Parameters");
     suggest->setObjectName("menu_SuggParamMenu");
     for (int i = 1; i <= 3; ++i) {
-        AddAction(suggest, QString("menu_SuggParam(%1)").arg(i).toUtf8().constData(),
-                  MenuText(kSuggParamCaptions[std::size_t(i)]),
-                  [this, i] { menu_SuggParam_Click(i); });
+        AddAction(suggest, "menu_SuggParam(" + std::to_string(i) + ")",
+                  MenuText(kSuggParamCaptions[std::size_t(i)]));
     }
-    AddAction(analysis, "menu_RMSNoise", "Measure RMS Noise", [this] { menu_RMSNoise_Click(); });
+    AddAction(analysis, "menu_RMSNoise", "Measure RMS Noise");
     analysis->addSeparator();
-    AddAction(analysis, "menu_DoublePeak_Click", "Analyse &Double Peak",
-              [this] { menu_DoublePeak_Click(); });
-    AddAction(analysis, "menu_ScanDoublePeak", "Scan and Detect Double Peaks",
-              [this] { menu_ScanDoublePeak_Click(); });
-    AddAction(analysis, "menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold",
-              [this] { menu_ScanAdjustBaseline_Click(); });
+    AddAction(analysis, "menu_DoublePeak_Click", "Analyse &Double Peak");
+    AddAction(analysis, "menu_ScanDoublePeak", "Scan and Detect Double Peaks");
+    AddAction(analysis, "menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold");
 
-    // The popup of an event on the trace. Marking and unmarking come with the list
-    // operations.
-    menuEventEdit_ = new QMenu(this);
-    menuEventEdit_->setObjectName("menu_EventEdit");
-    AddAction(menuEventEdit_, "menu_RejectThisEvent", kEventEditMenuCaptions[0],
-              [this] { menu_RejectThisEvent_Click(); });
-    QAction* deleteThis = AddAction(menuEventEdit_, "menu_DeletEvent", kEventEditMenuCaptions[1],
-                                    [this] { menu_DeletEvent_Click(); });
-    // The grid's popup deletes the selected event through the same action; the other list
-    // operations join it with grouping.
-    menuEvents_->addAction(deleteThis);
-    AddAction(menuEventEdit_, "menu_RecalculatePeak", kEventEditMenuCaptions[2],
-              [this] { menu_RecalculatePeak_Click(); });
-    AddAction(menuEventEdit_, "menu_DoublePeak", kEventEditMenuCaptions[3],
-              [this] { menu_DoublePeak_Click(); });
-    AddAction(menuEventEdit_, "menu_BaselineThreshold", kEventEditMenuCaptions[4],
-              [this] { menu_BaselineThreshold_Click(); });
+    BuildEventMenus();
 
     QMenu* nav = menuBar()->addMenu("&Navigate");
     nav->setObjectName("menu_Navigates");
     for (int i = 1; i <= kNavigationItemCount; ++i) {
         const auto item = NavigationItem(i);
-        const QByteArray name = QString("menu_Navigates(%1)").arg(i).toUtf8();
+        const std::string name = "menu_Navigates(" + std::to_string(i) + ")";
         if (IsSeparator(item)) {
-            nav->addSeparator()->setObjectName(QString::fromUtf8(name));
+            nav->addSeparator()->setObjectName(Q(name));
             continue;
         }
         // The key is shown beside the item but stays the window's own: a shortcut of the menu
         // would also take the letter from the text boxes.
-        AddAction(nav, name.constData(),
-                  MenuText(NavigationCaption(item)) + "\t" + Q(NavigationKeyText(item)),
-                  [this, i] { menu_Navigates_Click(i); });
+        AddAction(nav, name, MenuText(NavigationCaption(item)) + "\t" + Q(NavigationKeyText(item)));
     }
 
     QMenu* display = menuBar()->addMenu("&Display");
     display->setObjectName("menu_Display");
-    AddAction(display, "menu_DisplayContinously", MenuText(kTimedDisplayCaption),
-              [this] { menu_DisplayContinously_Click(); });
-    AddAction(display, "menu_AutoScale", "&Auto Scale", [this] { menu_AutoScale_Click(); })
-        ->setShortcut(QKeySequence(Qt::Key_F4));
+    AddAction(display, "menu_DisplayContinously", MenuText(kTimedDisplayCaption));
+    AddAction(display, "menu_AutoScale", "&Auto Scale")->setShortcut(QKeySequence(Qt::Key_F4));
 
     QMenu* help = menuBar()->addMenu("&Help");
     help->setObjectName("menu_Help");
     QMenu* shortcuts = help->addMenu("Short &Cuts");
     shortcuts->setObjectName("menu_ShortCuts");
     int index = 0;
-    for (const ShortcutHelpEntry& e : ShortcutHelpText()) {
-        const QByteArray name = QString("menu_ShortCuts(%1)").arg(index++).toUtf8();
-        AddAction(shortcuts, name.constData(), MenuText(e.caption),
-                  [this, e] { ui_->Message(e.caption, e.detail); });
-    }
-    AddAction(help, "menu_FilterHelp", "Digital Filter",
-              [this] { ui_->Message("Digital Filter", FilterHelpText()); });
+    for (const ShortcutHelpEntry& e : ShortcutHelpText())
+        AddAction(shortcuts, "menu_ShortCuts(" + std::to_string(index++) + ")", MenuText(e.caption));
+    AddAction(help, "menu_FilterHelp", "Digital Filter");
 }
 
+void Ardelvantine::BuildEventMenus() {
+    // The popup of an event on the trace.
+    menuEventEdit_ = new QMenu(this);
+    menuEventEdit_->setObjectName("menu_EventEdit");
+    const char* editHandlers[7] = {"menu_RejectThisEvent", "menu_DeletEvent",
+                                   "menu_RecalculatePeak", "menu_DoublePeak",
+                                   "menu_BaselineThreshold", "menu_markasgp", "menu_Unmark"};
+    QAction* deleteThis = nullptr;
+    for (int i = 0; i < 7; ++i) {
+        QAction* a = AddAction(menuEventEdit_, editHandlers[i], kEventEditMenuCaptions[std::size_t(i)]);
+        if (i == 1) deleteThis = a;
+    }
+
+    // The list's operations: in the main menu, and in the grid's popup, which starts with the
+    // deletion of the selected event.
+    menuEventList_ = menuBar()->addMenu("&Events");
+    menuEventList_->setObjectName("menu_EventList");
+    menuEvents_->addAction(deleteThis);
+    menuEvents_->addSeparator();
+    QMenu* sort = new QMenu("Sort Events by", this);
+    sort->setObjectName("menu_SortMenu");
+    for (int i = 1; i <= kSortColumnCount; ++i)
+        AddAction(sort, "menu_sort(" + std::to_string(i) + ")", MenuText(SortCaption(i)));
+    const auto both = [&](auto&& add) {
+        add(menuEventList_);
+        add(menuEvents_);
+    };
+    // "All Events" (Index 0) and "Highlighted Events" (Index 1) of one output.
+    const auto rowSets = [this](const char* caption, const char* objectName, const char* handler) {
+        auto* m = new QMenu(caption, this);
+        m->setObjectName(objectName);
+        AddAction(m, std::string(handler) + "(0)", "All Events");
+        AddAction(m, std::string(handler) + "(1)", "Highlighted Events");
+        return m;
+    };
+    QMenu* outputs[] = {
+        rowSets("&Copy to Clipboard", "menu_CopyMenu", "menu_copytoclipboard"),
+        rowSets("Save as &ASCII File", "menu_SaveAsciiMenu", "menu_savetoAsciiFile"),
+        rowSets("&Print", "menu_PrintMenu", "menu_printeventsdirect"),
+        rowSets("Print Pre&view", "menu_PreviewMenu", "menu_EventsPrintPreview")};
+
+    both([&](QMenu* m) { m->addMenu(sort); });
+    QAction* duplicates = AddAction(menuEventList_, "menu_RemoveDuplicates", "Remove Duplicates");
+    menuEvents_->addAction(duplicates);
+    both([](QMenu* m) { m->addSeparator(); });
+    menuEventList_->addAction(deleteThis);
+    const std::pair<const char*, const char*> editItems[] = {
+        {"menu_deleteevents", "&Delete Highlighted Events"},
+        {"menu_RejectEvents", "Re&ject Highlighted Events"},
+        {"menu_DeleteRejected", "Delete All Rejected Events"},
+        {nullptr, nullptr},
+        {"menu_Group", "Mark Events as &Group"},
+        {"menu_MarkAllEvents", "Mark All Events as Group\tN"},
+        {"menu_MarkAllWindow", "Mark All Events in this Window\tM"},
+        {"menu_unmarkgp", "&Unmark Highlighted Events"},
+        {"menu_UnmarkGrouped", "Unmark Grouped Events"},
+    };
+    for (const auto& [handler, caption] : editItems) {
+        if (!handler) {
+            both([](QMenu* m) { m->addSeparator(); });
+            continue;
+        }
+        QAction* a = AddAction(menuEventList_, handler, caption);
+        menuEvents_->addAction(a);
+    }
+    both([](QMenu* m) { m->addSeparator(); });
+    both([&](QMenu* m) {
+        for (QMenu* sub : outputs) m->addMenu(sub);
+    });
+    QAction* setup = AddAction(menuEventList_, "menu_eventspagesetup", "Print Page &Setup");
+    menuEvents_->addAction(setup);
+    menuEventList_->addSeparator();
+    AddAction(menuEventList_, "menu_CriteriaSearch", "&Group by Criteria Search");
+    AddAction(menuEventList_, "menu_groupbyrandom", "Group by &Random Selection");
+    AddAction(menuEventList_, "menu_groupEpisodic", "Group by &Episodes");
+}
 
 void Ardelvantine::RebuildRecentMenu() {
     menuRecent_->clear();
@@ -166,8 +212,11 @@ void Ardelvantine::RebuildRecentMenu() {
     for (const QString& f : files) {
         ++n;
         const QString caption = QString("&%1 %2").arg(n).arg(QFileInfo(f).fileName());
-        QAction* a = AddAction(menuRecent_, QString("menu_RecentFiles(%1)").arg(n).toUtf8().constData(),
-                               caption, [this, f] { OpenFileAsClick(fs::path(S(f))); });
+        // A recent file opens as a click on it in the file list.
+        auto* a = new QAction(caption, this);
+        a->setObjectName(QString("menu_RecentFiles(%1)").arg(n));
+        connect(a, &QAction::triggered, this, [this, f] { OpenFileAsClick(fs::path(S(f))); });
+        menuRecent_->addAction(a);
         a->setToolTip(f);
         a->setStatusTip(f);
     }

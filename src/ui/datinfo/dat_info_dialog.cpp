@@ -1,10 +1,10 @@
-#include "ui/dat_info_dialog.h"
+#include "ui/datinfo/dat_info_dialog.h"
 
 #include <QHeaderView>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "core/open_file.h"
+#include "script/forms.h"
 
 namespace ardel {
 
@@ -21,9 +21,9 @@ DatInfoDialog::DatInfoDialog(QWidget* parent) : QDialog(parent) {
     resize(520, 640);
 }
 
-void DatInfoDialog::Fill(const Session& s) {
-    setWindowTitle(QString::fromStdString(DatInfoTitle(s)));
-    const auto rows = DatInfoRows(s);
+void DatInfoDialog::Fill(const DatInfoForm& form) {
+    setWindowTitle(QString::fromStdString(form.Caption));
+    const auto& rows = form.Grid1;
     grid_->setRowCount(int(rows.size()));
     for (int i = 0; i < int(rows.size()); ++i) {
         grid_->setItem(i, 0,

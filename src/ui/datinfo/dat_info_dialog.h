@@ -7,14 +7,14 @@ class QTableWidget;
 
 namespace ardel {
 
-struct Session;
+struct DatInfoForm;
 
 class DatInfoDialog : public QDialog {
     Q_OBJECT
   public:
     explicit DatInfoDialog(QWidget* parent = nullptr);
-    // Fills the grid and the title from the session's recording.
-    void Fill(const Session& s);
+    // Shows the form: its caption as the title, its rows in the grid.
+    void Fill(const DatInfoForm& form);
     QTableWidget* Grid() const { return grid_; }
 
   private:
