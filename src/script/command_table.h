@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <cstdint>
 #include <vector>
 
@@ -24,6 +25,9 @@ namespace ardel {
 inline constexpr std::string_view kProgramName = "Ardelvantine";
 
 struct CommandContext {
+    CommandContext(Session& s, UserDialogs& dialogs, Forms& f, std::filesystem::path dir = {})
+        : session(s), ui(dialogs), forms(f), programDir(std::move(dir)) {}
+
     Session& session;
     UserDialogs& ui;
     Forms& forms;

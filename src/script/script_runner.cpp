@@ -136,7 +136,8 @@ KeyBinding ParseKey(std::string_view text) {
 ScriptRunner::ScriptRunner(std::ostream& out, fs::path programDir)
     : out_(out),
       dialogs_(out),
-      context_{session_, dialogs_, forms_, std::move(programDir), false, true, {}, {}, {}} {
+      context_(session_, dialogs_, forms_, std::move(programDir)) {
+    context_.headless = true;
     RegisterAllCommands(table_);
     RegisterAllControls(controls_, forms_, session_);
     session_.CurrentFolder = context_.programDir;

@@ -41,6 +41,7 @@
 #include "script/main_form.h"
 #include "script/print_commands.h"
 #include "script/script_runner.h"
+#include "ui/main/array_menus.h"
 #include "ui/criteria/criteria_window.h"
 #include "ui/datinfo/dat_info_dialog.h"
 #include "ui/event_grid_model.h"
@@ -134,14 +135,15 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
     session_.CurrentFolder = programDir_;
     printer_ = std::make_unique<EventListPrinter>(session_);
 
-    context_ = std::make_unique<CommandContext>(CommandContext{session_, *runDialogs_, forms_,
-                                                               programDir_, false, false, {}, {}, {}});
+    context_ = std::make_unique<CommandContext>(session_, *runDialogs_, forms_, programDir_);
     context_->showForms = [this] { ShowForms(); };
     RegisterAllCommands(table_);
     RegisterDesktopCommands();
 
     BuildUi();
     BuildMenus();
+    arrayWindows_ = std::make_unique<ArrayWindows>(
+        this, forms_, [this](const std::string& name) { RunHandler(name); });
     context_->startTimedDisplay = [this](std::int32_t ms) { timer2_->start(ms); };
 
     session_.onDisplay = [this](Session&) { OnDisplay(); };
@@ -340,6 +342,7 @@ void Ardelvantine::ShowForms() {
     }
     ShowDisplayWidgets();
     if (criteria_) criteria_->Show(forms_.criteria);
+    if (arrayWindows_) arrayWindows_->FollowForms();
     if (forms_.criteriaShown) {
         // A menu item asked for the window; it comes forward once.
         forms_.criteriaShown = false;

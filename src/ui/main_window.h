@@ -44,6 +44,7 @@ class QTimer;
 namespace ardel {
 
 class CriteriaWindow;
+class ArrayWindows;
 class DatInfoDialog;
 class EventGridModel;
 class EventListPrinter;
@@ -211,6 +212,7 @@ class Ardelvantine : public QMainWindow {
     QTimer* refreshTimer_ = nullptr;
     DatInfoDialog* datInfo_ = nullptr;
     CriteriaWindow* criteria_ = nullptr;
+    std::unique_ptr<ArrayWindows> arrayWindows_;
 
     int runDepth_ = 0;
     RunKind runKind_ = RunKind::None;

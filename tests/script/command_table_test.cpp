@@ -19,7 +19,7 @@ struct Context {
     Session session;
     Forms forms;
     ScriptedDialogs ui;
-    CommandContext c{session, ui, forms, {}, false, false, {}, {}, {}};
+    CommandContext c{session, ui, forms};
 };
 
 TEST(CommandTable, EveryKeyRunsARegisteredHandlerOrOneOfTheFormsStillToCome) {

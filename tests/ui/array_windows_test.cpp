@@ -37,7 +37,7 @@ struct Rig {
             ran.push_back(name);
             const CommandEntry* entry = table.Find(name);
             ASSERT_NE(entry, nullptr) << name;
-            CommandContext c{session, ui, forms, {}, false, false, {}};
+            CommandContext c(session, ui, forms);
             RunCommand(c, *entry);
             windows->FollowForms();
         };

@@ -34,6 +34,7 @@
 #include "detect/manual_edit.h"
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
+#include "ui/main/array_menus.h"
 #include "ui/main/recent_files.h"
 #include "ui/main/window_helpers.h"
 #include "view/navigation.h"
@@ -117,6 +118,8 @@ void Ardelvantine::BuildMenus() {
     display->setObjectName("menu_Display");
     AddAction(display, "menu_DisplayContinously", MenuText(kTimedDisplayCaption));
     AddAction(display, "menu_AutoScale", "&Auto Scale")->setShortcut(QKeySequence(Qt::Key_F4));
+
+    AddArrayMenus(menuBar(), [this](const std::string& name) { RunHandler(name); });
 
     QMenu* help = menuBar()->addMenu("&Help");
     help->setObjectName("menu_Help");
