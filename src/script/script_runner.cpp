@@ -10,6 +10,7 @@
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
 #include "script/event_list_commands.h"
+#include "script/graph_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -19,6 +20,7 @@ namespace fs = std::filesystem;
 void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
     RegisterEventListCommands(table);
+    RegisterGraphCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -36,6 +38,7 @@ std::vector<std::string> ScriptNames() {
     std::set<std::string> names;
     for (auto& n : table.Names()) names.insert(std::move(n));
     for (auto& n : controls.Names()) names.insert(std::move(n));
+    names.insert(std::string(kGraphControlName));
     return {names.begin(), names.end()};
 }
 
@@ -326,8 +329,10 @@ void ScriptRunner::Show(std::string_view rest) {
     const auto [name, pathText] = SplitWord(rest);
     if (name.empty()) throw ScriptError("show needs a control");
     const Control* control = controls_.Find(name);
-    if (!control) throw ScriptError("unknown control " + std::string(name));
-    std::string text = control->get();
+    std::optional<std::string> graphText;
+    if (!control) graphText = GraphControlText(session_, name);
+    if (!control && !graphText) throw ScriptError("unknown control " + std::string(name));
+    std::string text = control ? control->get() : *graphText;
     const std::string path = Value(TrimBlanks(pathText));
     // A text box's or label's text becomes one line; lists and grids end their lines already.
     if (text.empty() || text.back() != '\n') text += '\n';
