@@ -8,8 +8,14 @@
 // seconds a screen, gain and offset fitted by Auto Scale), analyses the first screen as F9
 // does, saves the window as a PNG and quits. Started without a file, the file list shows the
 // folder used last.
+//
+//   ardelvantine --run SCRIPT [--program-dir DIR]
+// runs a script as "ardelvantine-cli run" does, without a window, and draws the pictures of
+// graphs that the script saves.
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <string>
 
 #include <QApplication>
@@ -18,9 +24,40 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 
+#include "script/script_runner.h"
 #include "ui/main_window.h"
+#include "ui/plot/graph_window.h"
+
+namespace {
+
+int RunScript(const QString& script, const QString& programDir) {
+    const std::filesystem::path dir =
+        programDir.isEmpty() ? std::filesystem::path(QCoreApplication::applicationDirPath().toStdString())
+                             : std::filesystem::path(programDir.toStdString());
+    std::error_code ec;
+    if (!std::filesystem::is_directory(dir, ec)) {
+        std::cerr << "error: the program folder " << dir.string() << " is not a folder\n";
+        return 2;
+    }
+    ardel::ScriptRunner runner(std::cout, dir);
+    ardel::OffscreenGraphSink pictures;
+    runner.session().graphSink = &pictures;
+    const std::string name = script.toStdString();
+    if (name == "-") return runner.Run(std::cin, "-", std::cerr);
+    std::ifstream in(name, std::ios::binary);
+    if (!in || std::filesystem::is_directory(name, ec)) {
+        std::cerr << name << ":0: cannot open the script\n";
+        return 2;
+    }
+    return runner.Run(in, name, std::cerr);
+}
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
+    // A script run draws its pictures without a screen.
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--run") == 0) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QApplication::setApplicationName("Ardelvantine");
 
@@ -33,9 +70,17 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption screenshot(
         "screenshot", "Save a picture of the window to <png> and quit; uses the default settings.",
         "png");
+    const QCommandLineOption run("run", "Run a script without a window (see the README); graph "
+                                        "pictures are saved too.", "script");
+    const QCommandLineOption programDirOption(
+        "program-dir", "With --run: the folder of Ardelvan.ini (default: the program's folder).",
+        "dir");
     parser.addOption(analyse);
     parser.addOption(screenshot);
+    parser.addOption(run);
+    parser.addOption(programDirOption);
     parser.process(app);
+    if (parser.isSet(run)) return RunScript(parser.value(run), parser.value(programDirOption));
 
     // Ardelvan.ini lies beside the program. A picture for the documentation must not depend
     // on anyone's settings, so it is taken with a fresh folder.
