@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include <QApplication>
@@ -30,7 +31,8 @@
 
 namespace {
 
-int RunScript(const QString& script, const QString& programDir) {
+// screenshot: after the run, the graph frame with every graph, tiled, saved as a PNG.
+int RunScript(const QString& script, const QString& programDir, const QString& screenshot) {
     const std::filesystem::path dir =
         programDir.isEmpty() ? std::filesystem::path(QCoreApplication::applicationDirPath().toStdString())
                              : std::filesystem::path(programDir.toStdString());
@@ -42,22 +44,42 @@ int RunScript(const QString& script, const QString& programDir) {
     ardel::ScriptRunner runner(std::cout, dir);
     ardel::OffscreenGraphSink pictures;
     runner.session().graphSink = &pictures;
-    const std::string name = script.toStdString();
-    if (name == "-") return runner.Run(std::cin, "-", std::cerr);
-    std::ifstream in(name, std::ios::binary);
-    if (!in || std::filesystem::is_directory(name, ec)) {
-        std::cerr << name << ":0: cannot open the script\n";
-        return 2;
+    std::unique_ptr<ardel::GraphFrame> frame;
+    if (!screenshot.isEmpty()) {
+        // The picture shows the windows only; their menus are not used.
+        frame = std::make_unique<ardel::GraphFrame>(runner.session(), [](const std::string&) {});
+        frame->resize(1280, 820);
     }
-    return runner.Run(in, name, std::cerr);
+    const std::string name = script.toStdString();
+    int code = 0;
+    if (name == "-") {
+        code = runner.Run(std::cin, "-", std::cerr);
+    } else {
+        std::ifstream in(name, std::ios::binary);
+        if (!in || std::filesystem::is_directory(name, ec)) {
+            std::cerr << name << ":0: cannot open the script\n";
+            return 2;
+        }
+        code = runner.Run(in, name, std::cerr);
+    }
+    if (frame) {
+        frame->show();
+        frame->Arrange(2);
+        QApplication::processEvents();
+        if (!frame->grab().toImage().save(screenshot)) code = 1;
+    }
+    return code;
 }
 
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    // A script run draws its pictures without a screen.
+    // A script run draws its pictures without a screen unless one is there.
+    const bool screen = qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
     for (int i = 1; i < argc; ++i)
-        if (std::strcmp(argv[i], "--run") == 0) qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (std::strcmp(argv[i], "--run") == 0 && !screen &&
+            qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QApplication::setApplicationName("Ardelvantine");
 
@@ -80,7 +102,8 @@ int main(int argc, char* argv[]) {
     parser.addOption(run);
     parser.addOption(programDirOption);
     parser.process(app);
-    if (parser.isSet(run)) return RunScript(parser.value(run), parser.value(programDirOption));
+    if (parser.isSet(run))
+        return RunScript(parser.value(run), parser.value(programDirOption), parser.value(screenshot));
 
     // Ardelvan.ini lies beside the program. A picture for the documentation must not depend
     // on anyone's settings, so it is taken with a fresh folder.

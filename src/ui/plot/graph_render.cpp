@@ -112,6 +112,12 @@ void ResetGraphRanges(QCustomPlot& plot, const GraphModel& g) {
 void RenderGraph(QCustomPlot& plot, const GraphModel& g) {
     plot.clearPlottables();
     plot.setAntialiasedElements(QCP::aeAll);
+    // Long curves are drawn from two points per pixel column (the plot's adaptive sampling);
+    // smoothing those many short segments would cost a frame, and a one-pixel line without it
+    // looks the same.
+    const bool dense = std::int64_t(g.PointCount()) * g.SetCount() > 20000;
+    if (dense) plot.setNotAntialiasedElements(QCP::aePlottables);
+    plot.setPlottingHint(QCP::phFastPolylines, dense);
     plot.setBackground(Qt::white);
     TitleElement(plot)->setText(QString::fromStdString(g.GraphTitle));
     StyleAxis(plot.xAxis, plot.font());
@@ -147,7 +153,7 @@ void RenderGraph(QCustomPlot& plot, const GraphModel& g) {
         }
         if (g.GraphStyle != kStyleBars || g.SetSymbol(set) != kSymbolNone) {
             QCPGraph* line = plot.addGraph();
-            line->setPen(QPen(color, g.GraphStyle == kStyleBars ? 0 : 1.6));
+            line->setPen(QPen(color, g.GraphStyle == kStyleBars || dense ? 1.0 : 1.6));
             line->setLineStyle(g.GraphStyle == kStyleScatter || g.GraphStyle == kStyleBars
                                    ? QCPGraph::lsNone
                                    : QCPGraph::lsLine);
