@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  qt6-base-dev libqcustomplot-dev libliquid-dev libfftw3-dev
+  qt6-base-dev qt6-svg-dev libqcustomplot-dev libliquid-dev libfftw3-dev
   libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev libboost-math-dev
 )
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,9 @@
 #include "core/recording.h"
 
 namespace ardel {
+
+class GraphModel;  // graph/graph_model.h
+class GraphSink;   // graph/graph_sink.h
 
 // A mark drawn over the trace while a scan runs; the next redraw loses it.
 struct TraceMark {
@@ -58,6 +62,7 @@ struct Session {
     ProgramOptions options;
     DisplayState display;
     DataArray dataArray1, dataArray2;
+    // The values of the last histogram, 1-based like the Data Arrays (element 0 unused).
     std::vector<float> HistogramData;
     std::string Label11;      // the open file's name as the main window shows it
     std::string FileComment;  // the 56-character comment that event files carry
@@ -70,6 +75,12 @@ struct Session {
     // The runtime's uniform generator (Rnd). It is never reseeded, so every program start
     // draws the same sequence.
     std::uint32_t RndState = 0x50000;
+    // The open graph windows in opening order: scripts name them Graph(1), Graph(2), ... A graph
+    // closed in the desktop leaves the list, so the later ones move up, as the window list does.
+    std::vector<std::shared_ptr<GraphModel>> graphs;
+    // Shows graphs and draws pictures where a screen is there (the desktop program); without
+    // one the graphs stay data. Not owned.
+    GraphSink* graphSink = nullptr;
 
     // Called at the end of every Display so that a window can repaint; the engine draws
     // nothing itself.

@@ -21,14 +21,40 @@ void CommandTable::Add(std::string name, std::string title, unsigned flags,
     entries_[std::move(name)] = CommandEntry{std::move(title), flags, std::move(body)};
 }
 
+void CommandTable::AddNumbered(std::string prefix, std::string item, std::string title,
+                               unsigned flags, std::function<void(CommandContext&, int)> body) {
+    numbered_[prefix + "(N)." + item] = NumberedEntry{std::move(title), flags, std::move(body)};
+}
+
 const CommandEntry* CommandTable::Find(std::string_view name) const {
     const auto it = entries_.find(name);
-    return it == entries_.end() ? nullptr : &it->second;
+    if (it != entries_.end()) return &it->second;
+    if (const auto b = bound_.find(name); b != bound_.end()) return &b->second;
+    // "PREFIX(digits).ITEM"
+    const auto open = name.find('(');
+    const auto close = name.find(").", open == std::string_view::npos ? 0 : open);
+    if (open == std::string_view::npos || close == std::string_view::npos || close == open + 1)
+        return nullptr;
+    const std::string_view digits = name.substr(open + 1, close - open - 1);
+    if (digits.size() > 9 || !std::all_of(digits.begin(), digits.end(),
+                                          [](char ch) { return ch >= '0' && ch <= '9'; }))
+        return nullptr;
+    const std::string key =
+        std::string(name.substr(0, open)) + "(N)" + std::string(name.substr(close + 1));
+    const auto n = numbered_.find(key);
+    if (n == numbered_.end()) return nullptr;
+    const int number = std::stoi(std::string(digits));
+    auto body = [inner = n->second.body, number](CommandContext& c) { inner(c, number); };
+    const auto [added, unused] =
+        bound_.emplace(std::string(name), CommandEntry{n->second.title, n->second.flags, body});
+    return &added->second;
 }
 
 std::vector<std::string> CommandTable::Names() const {
     std::vector<std::string> names;
     for (const auto& [name, entry] : entries_) names.push_back(name);
+    for (const auto& [name, entry] : numbered_) names.push_back(name);
+    std::sort(names.begin(), names.end());
     return names;
 }
 

@@ -69,12 +69,26 @@ class CommandTable {
   public:
     void Add(std::string name, std::string title, unsigned flags,
              std::function<void(CommandContext&)> body);
+    // A handler of every open window of a kind, named "PREFIX(N).ITEM" ("Graph(2).menu_cascade"):
+    // body gets N. Names() lists it as "PREFIX(N).ITEM".
+    void AddNumbered(std::string prefix, std::string item, std::string title, unsigned flags,
+                     std::function<void(CommandContext&, int)> body);
     const CommandEntry* Find(std::string_view name) const;
     // Every name, sorted.
     std::vector<std::string> Names() const;
 
   private:
+    struct NumberedEntry {
+        std::string title;
+        unsigned flags = kPlainCommand;
+        std::function<void(CommandContext&, int)> body;
+    };
     std::map<std::string, CommandEntry, std::less<>> entries_;
+    // Keyed by "PREFIX(N).ITEM" with a literal N.
+    std::map<std::string, NumberedEntry, std::less<>> numbered_;
+    // Entries bound to a window number when first asked for; map nodes stay where they are, so
+    // the pointers Find hands out stay valid.
+    mutable std::map<std::string, CommandEntry, std::less<>> bound_;
 };
 
 // Runs one handler as every handler runs: the main form's controls into the session, the

@@ -12,6 +12,7 @@
 #include "script/array_commands.h"
 #include "script/event_list_commands.h"
 #include "script/print_commands.h"
+#include "script/graph_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -23,6 +24,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterEventListCommands(table);
     RegisterArrayCommands(table);
     RegisterPrintCommands(table);
+    RegisterGraphCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -41,6 +43,7 @@ std::vector<std::string> ScriptNames() {
     std::set<std::string> names;
     for (auto& n : table.Names()) names.insert(std::move(n));
     for (auto& n : controls.Names()) names.insert(std::move(n));
+    names.insert(std::string(kGraphControlName));
     return {names.begin(), names.end()};
 }
 
@@ -325,8 +328,10 @@ void ScriptRunner::Show(std::string_view rest) {
     const auto [name, pathText] = SplitWord(rest);
     if (name.empty()) throw ScriptError("show needs a control");
     const Control* control = controls_.Find(name);
-    if (!control) throw ScriptError("unknown control " + std::string(name));
-    std::string text = control->get();
+    std::optional<std::string> graphText;
+    if (!control) graphText = GraphControlText(session_, name);
+    if (!control && !graphText) throw ScriptError("unknown control " + std::string(name));
+    std::string text = control ? control->get() : *graphText;
     const std::string path = Value(TrimBlanks(pathText));
     // A text box's or label's text becomes one line; lists and grids end their lines already.
     if (text.empty() || text.back() != '\n') text += '\n';

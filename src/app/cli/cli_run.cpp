@@ -42,6 +42,7 @@ int RunScriptCommand(const RunOptions& o, const std::filesystem::path& programDi
         return 2;
     }
     ScriptRunner runner(out, dir);
+    if (o.prepare) o.prepare(runner);
     if (o.script == "-") return runner.Run(std::cin, "-", err);
     std::ifstream in(o.script, std::ios::binary);
     if (!in || std::filesystem::is_directory(o.script, ec)) {

@@ -2,11 +2,16 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <string>
 
 namespace CLI {
 class App;
+}
+
+namespace ardel {
+class ScriptRunner;
 }
 
 namespace ardel::cli {
@@ -15,6 +20,9 @@ struct RunOptions {
     std::string script;      // a file, or "-" for standard input
     bool list = false;       // print every handler and control name instead
     std::string programDir;  // folder of Ardelvan.ini; empty: the program's own folder
+    // Called with the runner before the script runs (the desktop program hands it the
+    // drawing of graph pictures).
+    std::function<void(ScriptRunner&)> prepare;
 };
 
 // Adds the subcommand to app; returns it so that the caller can tell whether it was given.

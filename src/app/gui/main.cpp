@@ -11,11 +11,16 @@
 // seconds a screen, gain and offset fitted by Auto Scale), analyses the first screen as F9
 // does, saves the window as a PNG and quits. Started without a file, the file list shows the
 // folder used last.
+//
+//   ardelvantine --run SCRIPT [--program-dir DIR] [--screenshot PNG]
+// runs a script as "ardelvantine-cli run" does, without a window; the pictures of graphs that
+// the script saves are drawn, and --screenshot saves the graph frame with every graph tiled.
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include <QApplication>
@@ -25,8 +30,10 @@
 #include <QTemporaryDir>
 
 #include "app/cli/cli_run.h"
+#include "script/script_runner.h"
 #include "ui/criteria/criteria_window.h"
 #include "ui/main_window.h"
+#include "ui/plot/graph_window.h"
 
 namespace {
 
@@ -83,9 +90,27 @@ int main(int argc, char* argv[]) {
         ardel::cli::RunOptions options;
         options.script = parser.value(run).toStdString();
         options.programDir = parser.value(programDirOption).toStdString();
-        return ardel::cli::RunScriptCommand(
+        // Graph pictures are drawn without a window; the frame is built only for a picture.
+        ardel::OffscreenGraphSink pictures;
+        std::unique_ptr<ardel::GraphFrame> frame;
+        const QString framePicture = parser.value(screenshot);
+        options.prepare = [&](ardel::ScriptRunner& runner) {
+            runner.session().graphSink = &pictures;
+            if (framePicture.isEmpty()) return;
+            frame = std::make_unique<ardel::GraphFrame>(runner.session(),
+                                                         [](const std::string&) {});
+            frame->resize(1280, 820);
+        };
+        int code = ardel::cli::RunScriptCommand(
             options, std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()),
             std::cout, std::cerr);
+        if (frame) {
+            frame->show();
+            frame->Arrange(2);
+            QApplication::processEvents();
+            if (!frame->grab().toImage().save(framePicture) && code == 0) code = 1;
+        }
+        return code;
     }
 
     // Ardelvan.ini lies beside the program. A picture for the documentation must not depend

@@ -35,6 +35,7 @@
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
 #include "ui/main/array_menus.h"
+#include "ui/main/plot_menus.h"
 #include "ui/main/recent_files.h"
 #include "ui/main/window_helpers.h"
 #include "view/navigation.h"
@@ -119,7 +120,9 @@ void Ardelvantine::BuildMenus() {
     AddAction(display, "menu_DisplayContinously", MenuText(kTimedDisplayCaption));
     AddAction(display, "menu_AutoScale", "&Auto Scale")->setShortcut(QKeySequence(Qt::Key_F4));
 
-    AddArrayMenus(menuBar(), [this](const std::string& name) { RunHandler(name); });
+    const auto run = [this](const std::string& name) { RunHandler(name); };
+    AddArrayPlotItems(AddArrayMenus(menuBar(), run), run);
+    AddPlotMenu(menuBar(), session_, run);
 
     QMenu* help = menuBar()->addMenu("&Help");
     help->setObjectName("menu_Help");
