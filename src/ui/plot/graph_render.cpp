@@ -51,6 +51,19 @@ QCPTextElement* TitleElement(QCustomPlot& plot) {
     return qobject_cast<QCPTextElement*>(plot.plotLayout()->element(0, 0));
 }
 
+// A title of up to 80 characters does not fit a tiled window on one line: a long one is broken
+// at the blank nearest its middle, so both halves stay readable in a narrow window.
+QString TitleLines(const QString& title) {
+    constexpr int kOneLine = 45;
+    if (title.size() <= kOneLine) return title;
+    const int middle = int(title.size()) / 2;
+    int best = -1;
+    for (int i = 0; i < int(title.size()); ++i)
+        if (title[i] == ' ' && (best < 0 || std::abs(i - middle) < std::abs(best - middle))) best = i;
+    if (best <= 0) return title;
+    return title.left(best).trimmed() + "\n" + title.mid(best + 1).trimmed();
+}
+
 // Bars span their bin: from x to x + width, so the ticks name the bins' edges.
 double BarWidthOf(const GraphModel& g) {
     if (g.BarWidth > 0) return g.BarWidth;
@@ -119,7 +132,7 @@ void RenderGraph(QCustomPlot& plot, const GraphModel& g) {
     if (dense) plot.setNotAntialiasedElements(QCP::aePlottables);
     plot.setPlottingHint(QCP::phFastPolylines, dense);
     plot.setBackground(Qt::white);
-    TitleElement(plot)->setText(QString::fromStdString(g.GraphTitle));
+    TitleElement(plot)->setText(TitleLines(QString::fromStdString(g.GraphTitle)));
     StyleAxis(plot.xAxis, plot.font());
     StyleAxis(plot.yAxis, plot.font());
     plot.xAxis->setLabel(QString::fromStdString(g.BottomTitle));
