@@ -54,8 +54,11 @@ int PaintTable(QPrinter& printer, const PrintedTable& table) {
             widths[c] = std::max(widths[c], fm.horizontalAdvance(cells[c]));
     };
     {
+        // The captions are drawn in bold and measured so.
+        QFont bold = font;
+        bold.setBold(true);
+        measure(table.captions, QFontMetricsF(bold, &printer));
         const QFontMetricsF fm(font, &printer);
-        measure(table.captions, fm);
         for (const QStringList& row : table.rows) measure(row, fm);
     }
     const qreal gap = QFontMetricsF(font, &printer).horizontalAdvance("  ");
@@ -105,7 +108,11 @@ EventListPrinter::~EventListPrinter() = default;
 
 QPrinter& EventListPrinter::Printer() {
     // Made on first use: looking up the printers takes a moment.
-    if (!printer_) printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    if (!printer_) {
+        printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        // Eighteen columns are readable across a page, not down it; page setup can change it.
+        printer_->setPageOrientation(QPageLayout::Landscape);
+    }
     return *printer_;
 }
 
