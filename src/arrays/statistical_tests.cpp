@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "arrays/data_arrays.h"
+#include "arrays/float_sort.h"
 #include "arrays/numeric_library.h"
-#include "arrays/quicksort.h"
 #include "core/number_text.h"
 
 namespace ardel {
@@ -203,7 +203,7 @@ void Regression(const Session& s, DataAnalysisForm& f) {
 std::vector<float> SortedCopy(const DataArray& a) {
     std::vector<float> v;
     if (a.UpperBound() >= 1) v.assign(a.values.begin() + 1, a.values.end());
-    if (!v.empty()) QuickSortRange(v.data(), 0, std::int64_t(v.size()) - 1);
+    SortFloatsAscending(v);
     return v;
 }
 

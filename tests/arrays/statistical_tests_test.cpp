@@ -7,9 +7,12 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "arrays/float_sort.h"
+#include "arrays/quicksort.h"
 #include "arrays/statistical_tests.h"
 #include "core/number_text.h"
 #include "support/scripted_dialogs.h"
@@ -232,6 +235,30 @@ TEST_F(DataAnalysis, ManualEntryWritesBackIntoTheArrays) {
     // The clipboard: cells joined by tabs, each row ended by a lone CR.
     const std::string clip = DataAnalysisGridClipboard(f);
     EXPECT_EQ(clip.substr(0, 33), "\tData Array #1\tData Array #2\rMean");
+}
+
+TEST(FloatSort, SameSequenceAsTheProgramsQuicksort) {
+    std::mt19937 rng(3);
+    std::normal_distribution<float> normal(0.0f, 1E3f);
+    std::vector<float> v(20000);
+    for (float& x : v) x = std::round(normal(rng));  // many ties
+    v[5] = std::numeric_limits<float>::infinity();
+    v[6] = -std::numeric_limits<float>::infinity();
+    v[7] = std::numeric_limits<float>::denorm_min();
+    v[8] = -std::numeric_limits<float>::max();
+    std::vector<float> quick = v;
+    QuickSortRange(quick.data(), 0, std::int64_t(quick.size()) - 1);
+    SortFloatsAscending(v);
+    ASSERT_EQ(v.size(), quick.size());
+    for (std::size_t i = 0; i < v.size(); ++i) ASSERT_EQ(v[i], quick[i]) << i;
+    // A NaN leaves the order to the quicksort.
+    std::vector<float> withNan = {3, std::nanf(""), 1, 2};
+    std::vector<float> expected = withNan;
+    QuickSortRange(expected.data(), 0, 3);
+    SortFloatsAscending(withNan);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_TRUE(withNan[i] == expected[i] || (std::isnan(withNan[i]) && std::isnan(expected[i])));
+    }
 }
 
 }  // namespace
