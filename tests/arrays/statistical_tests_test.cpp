@@ -237,6 +237,34 @@ TEST_F(DataAnalysis, ManualEntryWritesBackIntoTheArrays) {
     EXPECT_EQ(clip.substr(0, 33), "\tData Array #1\tData Array #2\rMean");
 }
 
+TEST_F(DataAnalysis, ConstantAndNaNHoldingArraysGiveDefinedResults) {
+    const std::string_view captions[] = {kCaptionPaired, kCaptionUnequalVar, kCaptionEqualVar,
+                                         kCaptionFtest,  kCaptionRegression, kCaptionKStest};
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<std::vector<float>> inputs[] = {
+        {{4, 4, 4}, {4, 4, 4}},  // constant and identical
+        {{1, nan, 3}, {2, 5, nan}},
+        {{1, 2}, {3, 5}},  // regression with no degree of freedom left
+    };
+    for (const auto& in : inputs) {
+        Fill(s.dataArray1, in[0]);
+        Fill(s.dataArray2, in[1]);
+        for (std::string_view caption : captions) {
+            Run(caption);
+            EXPECT_NE(f.Grid1[1][0], "") << caption;
+        }
+    }
+    // Constant samples in the F test: 0 / 0 leaves F at 0, so the two-tailed p is 2 I_1 = 2.
+    Fill(s.dataArray1, {4, 4, 4});
+    Fill(s.dataArray2, {4, 4, 4});
+    Run(kCaptionFtest);
+    EXPECT_EQ(Cell(f, "F Stat"), "0.0000");
+    EXPECT_EQ(Cell(f, "P value: two-tail"), "2.00000000");
+    // Identical constant samples in the K-S test: D = 0 and p = 1.
+    Run(kCaptionKStest);
+    EXPECT_EQ(Cell(f, "2-tailed P"), "1.0000");
+}
+
 TEST(FloatSort, SameSequenceAsTheProgramsQuicksort) {
     std::mt19937 rng(3);
     std::normal_distribution<float> normal(0.0f, 1E3f);
