@@ -8,6 +8,7 @@
 
 #include "arrays/array_statistics.h"
 #include "arrays/math_operation.h"
+#include "arrays/statistical_tests.h"
 #include "events/criteria_search.h"
 #include "script/main_form.h"
 
@@ -32,6 +33,9 @@ struct Forms {
     bool cstatShown = false;
     MathOperationForm mathOperation;
     bool mathOperationShown = false;
+    // The statistical tests' form; shown by the menu items that choose a test.
+    DataAnalysisForm dataAnalysis;
+    bool dataAnalysisShown = false;
 };
 
 }  // namespace ardel

@@ -10,6 +10,7 @@
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
 #include "script/array_commands.h"
+#include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
 #include "script/print_commands.h"
 #include "script/graph_commands.h"
@@ -23,6 +24,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterMainWindowCommands(table);
     RegisterEventListCommands(table);
     RegisterArrayCommands(table);
+    RegisterDataAnalysisCommands(table);
     RegisterPrintCommands(table);
     RegisterGraphCommands(table);
 }
@@ -31,6 +33,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterMainFormControls(registry, forms, s);
     RegisterCriteriaControls(registry, forms);
     RegisterArrayControls(registry, forms);
+    RegisterDataAnalysisControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
