@@ -41,6 +41,7 @@
 #include "script/main_form.h"
 #include "script/print_commands.h"
 #include "script/script_runner.h"
+#include "ui/dataanalysis/data_analysis_window.h"
 #include "ui/main/array_menus.h"
 #include "ui/criteria/criteria_window.h"
 #include "ui/datinfo/dat_info_dialog.h"
@@ -144,6 +145,8 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
     BuildMenus();
     arrayWindows_ = std::make_unique<ArrayWindows>(
         this, forms_, [this](const std::string& name) { RunHandler(name); });
+    dataAnalysis_ = new DataAnalysisWindow(
+        forms_, [this](const std::string& name) { RunHandler(name); }, this);
     context_->startTimedDisplay = [this](std::int32_t ms) { timer2_->start(ms); };
 
     session_.onDisplay = [this](Session&) { OnDisplay(); };
@@ -343,6 +346,7 @@ void Ardelvantine::ShowForms() {
     ShowDisplayWidgets();
     if (criteria_) criteria_->Show(forms_.criteria);
     if (arrayWindows_) arrayWindows_->FollowForms();
+    if (dataAnalysis_) dataAnalysis_->FollowForms();
     if (forms_.criteriaShown) {
         // A menu item asked for the window; it comes forward once.
         forms_.criteriaShown = false;

@@ -45,6 +45,7 @@ namespace ardel {
 
 class CriteriaWindow;
 class ArrayWindows;
+class DataAnalysisWindow;
 class DatInfoDialog;
 class EventGridModel;
 class EventListPrinter;
@@ -213,6 +214,7 @@ class Ardelvantine : public QMainWindow {
     DatInfoDialog* datInfo_ = nullptr;
     CriteriaWindow* criteria_ = nullptr;
     std::unique_ptr<ArrayWindows> arrayWindows_;
+    DataAnalysisWindow* dataAnalysis_ = nullptr;
 
     int runDepth_ = 0;
     RunKind runKind_ = RunKind::None;

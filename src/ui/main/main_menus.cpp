@@ -34,6 +34,7 @@
 #include "detect/manual_edit.h"
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
+#include "ui/dataanalysis/data_analysis_window.h"
 #include "ui/main/array_menus.h"
 #include "ui/main/plot_menus.h"
 #include "ui/main/recent_files.h"
@@ -121,7 +122,12 @@ void Ardelvantine::BuildMenus() {
     AddAction(display, "menu_AutoScale", "&Auto Scale")->setShortcut(QKeySequence(Qt::Key_F4));
 
     const auto run = [this](const std::string& name) { RunHandler(name); };
-    AddArrayPlotItems(AddArrayMenus(menuBar(), run), run);
+    QMenu* arrays = AddArrayMenus(menuBar(), run);
+    AddArrayPlotItems(arrays, run);
+    arrays->addSeparator();
+    QMenu* tests = arrays->addMenu("Statistical &Tests");
+    tests->setObjectName("menu_StatisticalTests");
+    AddDataAnalysisItems(tests, run);
     AddPlotMenu(menuBar(), session_, run);
 
     QMenu* help = menuBar()->addMenu("&Help");
