@@ -25,20 +25,44 @@ std::vector<float> SortedFinite(std::span<const float> values) {
     return v;
 }
 
-// Adds d to its counter when it lies in lower..upper, both inclusive. offset is the index of
-// bin 0.
+// Counts differences that lie in low..high, both inclusive, into counts; offset is the index
+// of bin 0.
 struct Counter {
     double low = 0, high = 0, bin = 0;
     std::int64_t offset = 0;
     std::vector<std::int64_t>& counts;
-
+    double inverse = 1 / bin;
     bool Below(float d) const { return double(d) < low; }
     bool Above(float d) const { return double(d) > high; }
-    void Add(float d) const {
-        if (!(double(d) >= low && double(d) <= high)) return;
-        const double k = std::floor(double(d) / bin) + double(offset);
+    // A bin of a power of two has an exact inverse, and the product is the quotient.
+    bool exact = [](double b) {
+        int e = 0;
+        return std::frexp(b, &e) == 0.5;
+    }(bin);
+
+    // floor(d / bin). A product with the inverse is much cheaper than the division and differs
+    // from it by a few units in the last place, which can only matter next to a whole number;
+    // there the division decides, so the bins are exactly those of the division. The quotients
+    // in range are small, so a truncating conversion does the floor.
+    std::int64_t Bin(float d) const {
+        const double q = double(d) * inverse;
+        std::int64_t k = std::int64_t(q);
+        if (double(k) > q) --k;
+        if (exact) return k;
+        const double fraction = q - double(k);
+        if (fraction < 1e-9 || fraction > 1 - 1e-9)
+            return std::int64_t(std::floor(double(d) / bin));
+        return k;
+    }
+    void Put(std::int64_t k, std::int64_t n) const {
+        k += offset;
         // Rounding at the ends of the range may not leave the counters.
-        if (k >= 0 && k < double(counts.size())) ++counts[std::size_t(k)];
+        if (k >= 0 && k < std::int64_t(counts.size())) counts[std::size_t(k)] += n;
+    }
+    // Distances from x to the values first..last, all known to lie in range.
+    template <typename It>
+    void AddAll(float x, It first, It last) const {
+        for (; first != last; ++first) Put(Bin(*first - x), 1);
     }
 };
 
@@ -114,13 +138,12 @@ std::vector<std::int64_t> AutoCorrelogramCounts(std::span<const float> values, f
     // A negative bin size makes a range below 0 that no distance reaches.
     if (c.high < 0) return counts;
     for (std::size_t i = 0; i + 1 < v.size(); ++i) {
-        // Single subtraction is monotonic in the later value, so the first distance past the
-        // range ends the pairs of i.
-        for (std::size_t j = i + 1; j < v.size(); ++j) {
-            const float d = v[j] - v[i];
-            if (c.Above(d)) break;
-            c.Add(d);
-        }
+        // Single subtraction is monotonic in the later value, so the pairs of i inside the
+        // range are the values up to the first distance past it.
+        const float x = v[i];
+        const auto end = std::partition_point(v.begin() + std::ptrdiff_t(i) + 1, v.end(),
+                                              [&](float y) { return !c.Above(y - x); });
+        c.AddAll(x, v.begin() + std::ptrdiff_t(i) + 1, end);
     }
     return counts;
 }
@@ -128,7 +151,8 @@ std::vector<std::int64_t> AutoCorrelogramCounts(std::span<const float> values, f
 std::vector<std::int64_t> CrossCorrelogramCounts(std::span<const float> from,
                                                  std::span<const float> to, float binSize,
                                                  std::int32_t upperBin) {
-    std::vector<std::int64_t> counts(std::size_t(std::max<std::int64_t>(2 * std::int64_t(upperBin) + 1, 0)), 0);
+    std::vector<std::int64_t> counts(
+        std::size_t(std::max<std::int64_t>(2 * std::int64_t(upperBin) + 1, 0)), 0);
     if (counts.empty() || binSize == 0) return counts;
     const double range = double(upperBin) * double(binSize);
     const Counter c{-std::fabs(range), std::fabs(range), double(binSize), upperBin, counts};
@@ -137,13 +161,11 @@ std::vector<std::int64_t> CrossCorrelogramCounts(std::span<const float> from,
     for (const float x : from) {
         if (std::isnan(x)) continue;
         // The differences to x grow with the target value: the ones in range are contiguous.
-        auto j = std::partition_point(target.begin(), target.end(),
-                                      [&](float y) { return c.Below(y - x); });
-        for (; j != target.end(); ++j) {
-            const float d = *j - x;
-            if (c.Above(d)) break;
-            c.Add(d);
-        }
+        const auto first = std::partition_point(target.begin(), target.end(),
+                                                [&](float y) { return c.Below(y - x); });
+        const auto last =
+            std::partition_point(first, target.end(), [&](float y) { return !c.Above(y - x); });
+        c.AddAll(x, first, last);
     }
     return counts;
 }

@@ -5,15 +5,14 @@
 #include <QMenuBar>
 
 #include "graph/histograms.h"
+#include "ui/main/window_helpers.h"
 
 namespace ardel {
 
 namespace {
 
 void AddItem(QMenu* menu, const QString& caption, const std::string& name, const RunHandler& run) {
-    QAction* a = menu->addAction(caption);
-    a->setObjectName(QString::fromStdString(name));
-    QObject::connect(a, &QAction::triggered, menu, [run, name] { run(name); });
+    mainwindow::AddHandlerItem(menu, caption, name, run);
 }
 
 // A field sub-menu: item k runs NAME(offset + k).
