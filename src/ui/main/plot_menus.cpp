@@ -5,6 +5,7 @@
 #include <QMenuBar>
 
 #include "graph/histograms.h"
+#include "ui/main/analysis_menus.h"
 #include "ui/main/window_helpers.h"
 
 namespace ardel {
@@ -52,6 +53,7 @@ GraphFrame* AddPlotMenu(QMenuBar* bar, Session& s, RunHandler run) {
                 "menu_RunningAverage(" + std::to_string(field) + ")", run);
     }
     plot->addSeparator();
+    AddPlotCorrelogramItems(plot, run);
     AddItem(plot, "X-Y Plot of Array #1 and Array #2", "menu_plotscatterXY", run);
     AddItem(plot, "Open a Blank Graph", "menu_OpenGraph", run);
     plot->addSeparator();
