@@ -12,6 +12,7 @@ Answer SilentDialogs::Ask(std::string_view, std::string_view, Buttons buttons,
         case Buttons::OKCancel: return Answer::Cancel;
         case Buttons::YesNo: return Answer::No;
         case Buttons::YesNoCancel: return Answer::Cancel;
+        case Buttons::RetryCancel: return Answer::Cancel;
     }
     return Answer::Cancel;
 }

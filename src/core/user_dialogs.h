@@ -10,8 +10,8 @@
 
 namespace ardel {
 
-enum class Buttons { OK, OKCancel, YesNo, YesNoCancel };
-enum class Answer { None, OK, Cancel, Yes, No };
+enum class Buttons { OK, OKCancel, YesNo, YesNoCancel, RetryCancel };
+enum class Answer { None, OK, Cancel, Yes, No, Retry };
 
 struct FileDialogSpec {
     std::string title;

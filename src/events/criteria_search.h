@@ -1,6 +1,7 @@
 // The Criteria window ("Criteria Search Events"): marking events with a group number by
 // ranges over their columns, at random, or by a repeating time window. The window's controls
-// are the CriteriaForm below; the commands read them at the moment of use.
+// are the CriteriaForm below; the commands read them at the moment of use. The burst tab's
+// command is in burst_analysis.h.
 #pragma once
 
 #include <array>
@@ -57,6 +58,9 @@ struct CriteriaForm {
     bool Check8 = false;
     bool Check6 = false;
     std::string Combo8 = "0";
+    // Burst tab: the fewest events of a burst and the longest interval inside one (ms).
+    std::string Text7 = "3";
+    std::string Text6 = "100";
     int SSTab1 = kSearchTab;  // the tab shown
 };
 

@@ -6,6 +6,7 @@
 
 #include "core/forwarding_dialogs.h"
 #include "core/number_text.h"
+#include "events/burst_analysis.h"
 #include "events/criteria_search.h"
 #include "events/event_list.h"
 
@@ -95,7 +96,8 @@ void RegisterCriteriaCommands(CommandTable& t) {
     // The menu items open the form on their tab.
     const std::pair<const char*, int> openers[] = {{"menu_CriteriaSearch", kSearchTab},
                                                    {"menu_groupbyrandom", kRandomTab},
-                                                   {"menu_groupEpisodic", kEpisodicTab}};
+                                                   {"menu_groupEpisodic", kEpisodicTab},
+                                                   {"menu_groupBursts", kBurstTab}};
     for (const auto& [name, tab] : openers) {
         t.Add(name, "Criteria Search Events", kDuringRun, [tab = tab](CommandContext& c) {
             c.forms.criteria.SSTab1 = tab;
@@ -115,6 +117,9 @@ void RegisterCriteriaCommands(CommandTable& t) {
     });
     t.Add("Criteria.Command3", "Start", kPlainCommand, [](CommandContext& c) {
         Criteria_Command3(c.session, c.ui, c.forms.criteria);
+    });
+    t.Add("Criteria.Command4", "Start", kPlainCommand, [](CommandContext& c) {
+        Criteria_Command4(c.session, c.ui, c.forms.criteria);
     });
 }
 
@@ -162,6 +167,8 @@ void RegisterCriteriaControls(ControlRegistry& r, Forms& forms) {
                                      }});
     r.AddCheck("Criteria.Check6", f.Check6);
     r.AddCombo("Criteria.Combo8", f.Combo8);
+    r.AddText("Criteria.Text7", f.Text7);
+    r.AddText("Criteria.Text6", f.Text6);
     r.AddComboIndex("Criteria.SSTab1", f.SSTab1,
                     {"Criteria Search", "Random Selection", "Episodic Grouping", "Bursts"});
 }

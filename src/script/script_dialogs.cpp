@@ -45,6 +45,7 @@ std::string ButtonNames(Buttons buttons) {
         case Buttons::OKCancel: return "OK or Cancel";
         case Buttons::YesNo: return "Yes or No";
         case Buttons::YesNoCancel: return "Yes, No or Cancel";
+        case Buttons::RetryCancel: return "Retry or Cancel";
     }
     return "";
 }
@@ -81,7 +82,9 @@ Answer ScriptDialogs::Ask(std::string_view title, std::string_view text, Buttons
     Answer a = Answer::None;
     if (yesNo && SameWord(answer, "Yes")) a = Answer::Yes;
     if (yesNo && SameWord(answer, "No")) a = Answer::No;
-    if (!yesNo && SameWord(answer, "OK")) a = Answer::OK;
+    const bool retry = buttons == Buttons::RetryCancel;
+    if (!yesNo && !retry && SameWord(answer, "OK")) a = Answer::OK;
+    if (retry && SameWord(answer, "Retry")) a = Answer::Retry;
     if (cancel && IsCancel(answer)) a = Answer::Cancel;
     if (a == Answer::None) {
         throw ScriptError("the answer \"" + answer + "\" does not fit the question \"" +

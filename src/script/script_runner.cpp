@@ -10,6 +10,7 @@
 #include "core/ini_file.h"
 #include "detect/digital_filter.h"
 #include "script/array_commands.h"
+#include "script/correlogram_commands.h"
 #include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
 #include "script/print_commands.h"
@@ -27,6 +28,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterDataAnalysisCommands(table);
     RegisterPrintCommands(table);
     RegisterGraphCommands(table);
+    RegisterCorrelogramCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {

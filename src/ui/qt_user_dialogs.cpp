@@ -31,6 +31,8 @@ QMessageBox::StandardButton ToQt(Answer a) {
             return QMessageBox::Yes;
         case Answer::No:
             return QMessageBox::No;
+        case Answer::Retry:
+            return QMessageBox::Retry;
         case Answer::None:
             break;
     }
@@ -146,6 +148,9 @@ Answer QtUserDialogs::Ask(std::string_view title, std::string_view text, Buttons
         case Buttons::YesNoCancel:
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
+        case Buttons::RetryCancel:
+            box.setStandardButtons(QMessageBox::Retry | QMessageBox::Cancel);
+            break;
     }
     if (const auto def = ToQt(defaultAnswer); def != QMessageBox::NoButton)
         box.setDefaultButton(def);
@@ -161,6 +166,8 @@ Answer QtUserDialogs::Ask(std::string_view title, std::string_view text, Buttons
             return Answer::Yes;
         case QMessageBox::No:
             return Answer::No;
+        case QMessageBox::Retry:
+            return Answer::Retry;
         default:
             break;
     }

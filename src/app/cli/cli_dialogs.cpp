@@ -18,6 +18,8 @@ const char* AnswerText(Answer a) {
             return "No";
         case Answer::Cancel:
             return "Cancel";
+        case Answer::Retry:
+            return "Retry";
         default:
             return "none";
     }

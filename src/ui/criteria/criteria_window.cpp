@@ -177,14 +177,15 @@ QWidget* CriteriaWindow::BuildEpisodicTab() {
 }
 
 QWidget* CriteriaWindow::BuildBurstTab() {
-    // The burst analysis has no controls yet; the tab says so rather than offer a button
-    // that does nothing.
     auto* w = new QWidget;
     auto* layout = new QVBoxLayout(w);
-    auto* note = new QLabel("Grouping of bursts is not available in this version.");
-    note->setObjectName("BurstNote");
-    note->setWordWrap(true);
-    layout->addWidget(note);
+    auto* form = new QFormLayout;
+    text7_ = Text("Text7");
+    form->addRow("Minimum number of consecutive events to consider as a burst:", text7_);
+    text6_ = Text("Text6");
+    form->addRow("Maximum inter-event-interval between two events (ms):", text6_);
+    layout->addLayout(form);
+    layout->addWidget(Button("Command4", "Start"));
     layout->addStretch(1);
     return w;
 }
@@ -212,6 +213,8 @@ void CriteriaWindow::Read(CriteriaForm& f) const {
     f.Check8 = check8_->isChecked();
     f.Check6 = check6_->isChecked();
     f.Combo8 = S(combo8_->currentText());
+    f.Text7 = S(text7_->text());
+    f.Text6 = S(text6_->text());
     f.SSTab1 = tabs_->currentIndex();
 }
 
@@ -239,6 +242,8 @@ void CriteriaWindow::Show(const CriteriaForm& f) {
     check8_->setChecked(f.Check8 && !f.Check7);
     check6_->setChecked(f.Check6);
     SetText(combo8_, f.Combo8);
+    SetText(text7_, f.Text7);
+    SetText(text6_, f.Text6);
     if (f.SSTab1 >= 0 && f.SSTab1 < tabs_->count()) tabs_->setCurrentIndex(f.SSTab1);
     ShowCaptions(f);
 }

@@ -60,6 +60,8 @@ class CriteriaWindow : public QDialog {
     QLineEdit* text2_ = nullptr;
     QLineEdit* text3_ = nullptr;
     QLineEdit* text4_ = nullptr;
+    QLineEdit* text6_ = nullptr;
+    QLineEdit* text7_ = nullptr;
     QPushButton* command2_ = nullptr;
 };
 

@@ -35,6 +35,7 @@
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
 #include "ui/dataanalysis/data_analysis_window.h"
+#include "ui/main/analysis_menus.h"
 #include "ui/main/array_menus.h"
 #include "ui/main/plot_menus.h"
 #include "ui/main/recent_files.h"
@@ -128,6 +129,7 @@ void Ardelvantine::BuildMenus() {
     QMenu* tests = arrays->addMenu("Statistical &Tests");
     tests->setObjectName("menu_StatisticalTests");
     AddDataAnalysisItems(tests, run);
+    AddCorrelogramItems(arrays, run);
     AddPlotMenu(menuBar(), session_, run);
 
     QMenu* help = menuBar()->addMenu("&Help");
@@ -215,6 +217,7 @@ void Ardelvantine::BuildEventMenus() {
     AddAction(menuEventList_, "menu_CriteriaSearch", "&Group by Criteria Search");
     AddAction(menuEventList_, "menu_groupbyrandom", "Group by &Random Selection");
     AddAction(menuEventList_, "menu_groupEpisodic", "Group by &Episodes");
+    AddBurstItem(menuEventList_, [this](const std::string& name) { RunHandler(name); });
 }
 
 void Ardelvantine::RebuildRecentMenu() {

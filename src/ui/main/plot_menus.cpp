@@ -5,15 +5,15 @@
 #include <QMenuBar>
 
 #include "graph/histograms.h"
+#include "ui/main/analysis_menus.h"
+#include "ui/main/window_helpers.h"
 
 namespace ardel {
 
 namespace {
 
 void AddItem(QMenu* menu, const QString& caption, const std::string& name, const RunHandler& run) {
-    QAction* a = menu->addAction(caption);
-    a->setObjectName(QString::fromStdString(name));
-    QObject::connect(a, &QAction::triggered, menu, [run, name] { run(name); });
+    mainwindow::AddHandlerItem(menu, caption, name, run);
 }
 
 // A field sub-menu: item k runs NAME(offset + k).
@@ -53,6 +53,7 @@ GraphFrame* AddPlotMenu(QMenuBar* bar, Session& s, RunHandler run) {
                 "menu_RunningAverage(" + std::to_string(field) + ")", run);
     }
     plot->addSeparator();
+    AddPlotCorrelogramItems(plot, run);
     AddItem(plot, "X-Y Plot of Array #1 and Array #2", "menu_plotscatterXY", run);
     AddItem(plot, "Open a Blank Graph", "menu_OpenGraph", run);
     plot->addSeparator();

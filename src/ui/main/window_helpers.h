@@ -1,11 +1,14 @@
 // Small pieces shared by the files of the main window.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QMenu>
 #include <QString>
 #include <QStringList>
 
@@ -55,6 +58,14 @@ inline QCheckBox* CheckBox(const char* name, const QString& caption) {
     auto* c = new QCheckBox(caption);
     c->setObjectName(name);
     return c;
+}
+
+// A menu item whose objectName is its handler's name and that runs the handler.
+inline void AddHandlerItem(QMenu* menu, const QString& caption, const std::string& name,
+                           const std::function<void(const std::string&)>& run) {
+    QAction* a = menu->addAction(caption);
+    a->setObjectName(QString::fromStdString(name));
+    QObject::connect(a, &QAction::triggered, menu, [run, name] { run(name); });
 }
 
 inline void SetComboText(QComboBox* c, const std::string& text) {
