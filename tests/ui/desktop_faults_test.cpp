@@ -27,13 +27,10 @@
 namespace ardel::testing {
 namespace {
 
-class DesktopTest : public ::testing::Test {
+class DesktopTest : public MainWindowTest {
   protected:
     void SetUp() override {
-        recording_ = MakeRecording(dir_ / "cell1.abf");
-        window_ = std::make_unique<Ardelvantine>(dir_.path(), &dialogs_);
-        window_->show();
-        QApplication::processEvents();
+        MainWindowTest::SetUp();
         window_->OpenFileAsClick(recording_);
         ASSERT_TRUE(S().recording.FileIsOpen);
     }
@@ -42,17 +39,8 @@ class DesktopTest : public ::testing::Test {
         if (S().events.HasUnsavedChanges())
             dialogs_.ExpectAsk("Save Previous Event Data", std::nullopt, Answer::No);
         window_->close();
-        window_.reset();
-        EXPECT_TRUE(dialogs_.Done());
+        MainWindowTest::TearDown();
     }
-    template <class T>
-    T* Find(const char* name) {
-        T* w = window_->findChild<T*>(name);
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
-    Session& S() { return window_->session(); }
-    QWidget* Picture() { return Find<QWidget>("Picture1"); }
     QTableView* Grid() { return Find<QTableView>("TDBGrid1"); }
     QList<int> SelectedRows() {
         QList<int> rows;
@@ -64,11 +52,6 @@ class DesktopTest : public ::testing::Test {
         Press(Picture(), Qt::Key_F11);
         ASSERT_EQ(S().events.EventCount(), 5);
     }
-
-    TempDir dir_;
-    fs::path recording_;
-    ScriptedDialogs dialogs_;
-    std::unique_ptr<Ardelvantine> window_;
 };
 
 TEST_F(DesktopTest, AnEditAfterSavingIsOfferedOnCloseAndBeforeAnotherFile) {
