@@ -61,14 +61,6 @@ TEST(SortEvents, EqualKeysComeOutInThePartitionsOrder) {
         EXPECT_EQ(Tags(t), c.order);
     }
 
-    // A second sort by another column does not keep the first as a tie-break: the rows were
-    // in Time order before, the equal groups come out reversed.
-    EventTable t;
-    Fill(t, {1, 2, 3, 4});
-    for (std::int32_t i = 1; i <= 4; ++i) t[i].GroupNumber = std::uint8_t(i <= 2 ? 7 : 3);
-    SortEvents(t, kSortByGroup, 1, 4);
-    EXPECT_EQ(Tags(t), (std::vector<int>{4, 3, 2, 1}));
-
     // A partial range leaves the rest alone; an unknown index sorts nothing.
     EventTable p;
     Fill(p, {5, 4, 3, 2, 1});
