@@ -26,6 +26,14 @@ struct CriteriaRig : ViewRig {
     void AddRows(int n, std::uint8_t group = 0) {
         for (int i = 1; i <= n; ++i) Add(float(i), group);
     }
+    // Episodic grouping with the three times, expecting its report of the count.
+    void Episodic(const char* duration, const char* start, const char* end, int grouped) {
+        f.Text2 = duration;
+        f.Text3 = start;
+        f.Text4 = end;
+        ui.ExpectMessage("Finished", " " + std::to_string(grouped) + " events are grouped.");
+        Criteria_Command3(s, ui, f);
+    }
     std::vector<int> Groups() const {
         std::vector<int> g;
         for (std::int32_t i = 1; i <= s.events.EventCount(); ++i)
@@ -38,7 +46,6 @@ std::string Selected(int k, const std::string& group) {
     return " " + std::to_string(k) + " events are randomly selected and grouped as number " +
            group;
 }
-std::string Grouped(int k) { return " " + std::to_string(k) + " events are grouped."; }
 
 TEST(CriteriaSearch, OpenBoundsTakeEveryRowAndBoundsAreInclusiveInTheShownUnits) {
     CriteriaRig r;
@@ -139,35 +146,23 @@ TEST(RandomSelection, TheRuntimesGeneratorFromItsFixedStart) {
 TEST(RandomSelection, DrawsRowsWithReplacementAndReportsOnce) {
     CriteriaRig r;
     r.AddRows(10);
+    r.s.events[10].GroupNumber = 255;
     r.f.Text1 = "3";
+    r.f.Check2 = true;  // the rest, the rejected row too, take Combo6
+    r.f.Combo6 = "9";
     // Draws 0.7055, 0.5334, 0.5795, 0.2896 give rows 8, 6, 6 (already marked: again), 3.
     r.ui.ExpectMessage("Selection Finished", Selected(3, "1"));
     Criteria_Command2(r.s, r.ui, r.f);
-    EXPECT_EQ(r.Groups(), (std::vector<int>{0, 0, 1, 0, 0, 1, 0, 1, 0, 0}));
+    EXPECT_EQ(r.Groups(), (std::vector<int>{9, 9, 1, 9, 9, 1, 9, 1, 9, 9}));
     EXPECT_EQ(r.ui.yields, 4);
     EXPECT_EQ(r.f.Command2Caption, "Start Selection");
 
-    // Exactly N rows: all are marked; the rest's group goes to rows outside the group only.
+    // Exactly N rows: all are marked, by coupon-collecting.
     r.f.Text1 = "10";
     r.f.Combo5 = "2";
-    r.f.Check2 = true;
     r.ui.ExpectMessage("Selection Finished", Selected(10, "2"));
     Criteria_Command2(r.s, r.ui, r.f);
     EXPECT_EQ(r.Groups(), (std::vector<int>(10, 2)));
-
-    // Unmark first, then the rest (rejected rows too) take Combo6.
-    r.s.events[4].GroupNumber = 255;
-    r.f.Text1 = "1";
-    r.f.Check3 = true;
-    r.f.Combo6 = "9";
-    r.ui.ExpectMessage("Selection Finished", Selected(1, "2"));
-    Criteria_Command2(r.s, r.ui, r.f);
-    int marked = 0;
-    for (int g : r.Groups()) {
-        EXPECT_TRUE(g == 2 || g == 9);
-        marked += g == 2;
-    }
-    EXPECT_EQ(marked, 1);
 
     // More than the table holds: the error, and the caption stays at "Stop".
     r.f.Text1 = "11";
@@ -178,7 +173,6 @@ TEST(RandomSelection, DrawsRowsWithReplacementAndReportsOnce) {
     EXPECT_EQ(r.f.Command2Caption, "Stop");
     // The next press toggles back; an empty count selects nothing and never yields.
     r.f.Text1 = "";
-    r.f.Check2 = r.f.Check3 = false;
     const int yields = r.ui.yields;
     r.ui.ExpectMessage("Selection Finished", Selected(0, "2"));
     Criteria_Command2(r.s, r.ui, r.f);
@@ -227,49 +221,34 @@ TEST(EpisodicGrouping, EpisodesOffsetsAndTheGroupTheyGive) {
     r.Add(255.2f, 4);  // 255: does not fit the byte, the group stays
     r.Add(300.2f, 4);  // held to 255, so the same
     r.Add(7.0f, 8);    // offset 0: not selected
-    r.f.Text2 = "1";
-    r.f.Text3 = "0.1";
-    r.f.Text4 = "0.5";
     r.f.Check7 = true;
-    r.ui.ExpectMessage("Finished", Grouped(5));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("1", "0.1", "0.5", 5);
     // With a duration of 1 the first row is episode 1000: held to 255 too.
     EXPECT_EQ(r.Groups(), (std::vector<int>{0, 4, 255, 4, 4, 8}));
 
-    r.f.Text2 = "500";
-    r.f.Text3 = "0.3";
-    r.ui.ExpectMessage("Finished", Grouped(1));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("500", "0.3", "0.5", 1);
     EXPECT_EQ(r.s.events[1].GroupNumber, 3);
 
     // Neither check: Combo7; the rest take Combo8 with Check6. A Combo7 that no byte holds
     // is passed over and the row still counts.
     r.f.Check7 = false;
-    r.f.Text3 = "0";
-    r.f.Text4 = "10";
     r.f.Combo7 = "6";
     r.f.Check6 = true;
     r.f.Combo8 = "9";
-    r.ui.ExpectMessage("Finished", Grouped(3));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("500", "0", "10", 3);
     EXPECT_EQ(r.Groups(), (std::vector<int>{6, 6, 9, 9, 9, 6}));
     r.f.Combo7 = "300";
     r.f.Check6 = false;
     r.s.events[1].GroupNumber = 1;
-    r.ui.ExpectMessage("Finished", Grouped(3));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("500", "0", "10", 3);
     EXPECT_EQ(r.s.events[1].GroupNumber, 1);
 }
 
 TEST(EpisodicGrouping, BurstingEpisodesTheChecksAndAZeroDuration) {
     CriteriaRig r;
     for (float t : {10.f, 20.f, 150.f, 160.f, 30.f}) r.Add(t);
-    r.f.Text2 = "100";
-    r.f.Text3 = "0";
-    r.f.Text4 = "100";
     r.f.Check8 = true;
-    r.ui.ExpectMessage("Finished", Grouped(5));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("100", "0", "100", 5);
     std::vector<std::pair<int, int>> bursts;
     for (std::int32_t i = 1; i <= 5; ++i) {
         EXPECT_EQ(r.s.events[i].GroupNumber, 254);
@@ -285,36 +264,13 @@ TEST(EpisodicGrouping, BurstingEpisodesTheChecksAndAZeroDuration) {
     r.f.Text3 = "5";
     r.f.Text4 = "4";
     Criteria_Command3(r.s, r.ui, r.f);
-    r.f.Text4 = "5";  // equal: accepted, but no offset lies strictly between
-    r.ui.ExpectMessage("Finished", Grouped(0));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("1000", "5", "5", 0);  // equal: accepted, but no offset lies strictly between
 
     // A zero duration: the division fails and the episode stays (0 here), so the offset is
     // the Time itself.
-    r.f.Text2 = "0";
-    r.f.Text3 = "0";
-    r.f.Text4 = "25";
     r.f.Combo7 = "3";
-    r.ui.ExpectMessage("Finished", Grouped(2));
-    Criteria_Command3(r.s, r.ui, r.f);
+    r.Episodic("0", "0", "25", 2);
     EXPECT_EQ(r.Groups(), (std::vector<int>{3, 3, 254, 254, 254}));
-}
-
-TEST(CriteriaForm, AFreshFormAndItsSuggestedValues) {
-    const CriteriaForm f;
-    EXPECT_EQ(f.Combo1[15], "Minimum");
-    EXPECT_EQ(f.Combo2[0], "Maximum");
-    EXPECT_EQ(f.Command2Caption, "Start Selection");
-    EXPECT_EQ(CriteriaLabel(5), "Inter-event Interval (ms):");
-    const auto times = CriteriaBoundList(2, false);
-    EXPECT_EQ(times.front(), "Minimum");
-    EXPECT_EQ(times[1], ".100");
-    EXPECT_EQ(times.back(), "500.000");
-    const auto amplitudes = CriteriaBoundList(1, true);
-    EXPECT_EQ(amplitudes.front(), "Maximum");
-    EXPECT_EQ(amplitudes[1], "100");
-    EXPECT_EQ(amplitudes.back(), "500000");
-    EXPECT_EQ(GroupNumberList().size(), 256u);
 }
 
 }  // namespace
