@@ -145,7 +145,7 @@ void menu_ArrayAscii(Session& s, UserDialogs& ui) {
         // Written beside and renamed over, so a failed write leaves the old file whole.
         WriteFileReplacing(path, text);
     } catch (const std::exception& e) {
-        ui.Message(kRuntimeErrorTitle, e.what());
+        ui.RuntimeError(e.what());
     }
 }
 
@@ -158,12 +158,12 @@ void menu_importAscii(Session& s, UserDialogs& ui) {
     const auto chosen = ui.OpenFileName(spec);
     if (!chosen || chosen->empty()) return;
     if (const auto why = NotARegularFile(*chosen)) {
-        ui.Message(kRuntimeErrorTitle, chosen->string() + " cannot be opened: " + *why);
+        ui.RuntimeError(chosen->string() + " cannot be opened: " + *why);
         return;
     }
     const auto bytes = ReadFileBytes(*chosen);
     if (!bytes) {
-        ui.Message(kRuntimeErrorTitle, "File not found");
+        ui.RuntimeError("File not found");
         return;
     }
     auto parsed = ParseArrayText(*bytes);

@@ -65,7 +65,7 @@ bool Chosen(const GroupChoice& c, const EventRecord& e) {
 // then the runtime's "Out of memory" ends the command.
 bool ResizeOrRefuse(UserDialogs& ui, DataArray& a, std::int64_t upper) {
     if (upper > kMaxArrayLength) {
-        ui.Message(kRuntimeErrorTitle, "Out of memory");
+        ui.RuntimeError("Out of memory");
         return false;
     }
     GrowArray(a, upper);
@@ -243,7 +243,7 @@ void menu_InterEventArray(Session& s, UserDialogs& ui, int arrayNumber) {
         const std::int64_t upper = start + count - 1;
         if (upper < 1) {
             // No event of the group into an empty array: the re-dimension to 1 to 0 fails.
-            ui.Message(kRuntimeErrorTitle, "Subscript out of range");
+            ui.RuntimeError("Subscript out of range");
             return;
         }
         // With no event of the group the array loses its last element, as it always has.

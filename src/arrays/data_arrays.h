@@ -19,9 +19,6 @@ inline constexpr int kArrayFieldCount = 17;
 inline constexpr int kArrayFieldTime = 5;
 std::string_view ArrayFieldCaption(int index);
 
-// The title of the message that reports one of the old runtime's errors.
-inline constexpr std::string_view kRuntimeErrorTitle = "Ardelvantine";
-
 // No array grows beyond this many elements, 64 MB of floats: far more than the events of any
 // one recording, and small enough that a text announcing absurd lengths costs little. Such a text
 // is refused; an append or paste past it ends with the runtime's "Out of memory".

@@ -81,7 +81,7 @@ void MathOperation_Command2(Session& s, UserDialogs& ui, MathOperationForm& f) {
     for (std::size_t k = 0; k < 2; ++k) {
         auto v = LoadOperand(s, f.Combo1[k]);
         if (!v) {
-            ui.Message(kRuntimeErrorTitle, "Subscript out of range");
+            ui.RuntimeError("Subscript out of range");
             return;
         }
         operands[k] = std::move(*v);

@@ -10,6 +10,9 @@
 
 namespace ardel {
 
+// The program's name: the title of the runtime's error messages and of a command that broke off.
+inline constexpr std::string_view kProgramName = "Ardelvantine";
+
 enum class Buttons { OK, OKCancel, YesNo, YesNoCancel, RetryCancel };
 enum class Answer { None, OK, Cancel, Yes, No, Retry };
 
@@ -43,6 +46,10 @@ public:
     virtual void Beep() = 0;
     // Lets the event loop run (interrupt buttons, keys). Called once per screen of long runs.
     virtual void Yield() = 0;
+
+    // A run-time error that the program keeps ("Overflow", "Subscript out of range") ends its
+    // command with the runtime's text under the program's name.
+    void RuntimeError(std::string_view text) { Message(kProgramName, text); }
 
     // The input box as the old runtime had it: Cancel gives an empty text.
     std::string InputText(std::string_view title, std::string_view prompt,

@@ -83,7 +83,7 @@ void SaveReport(UserDialogs& ui, const Session& s, const std::string& report) {
     try {
         WriteFileSafely(*file, report);
     } catch (const std::system_error& e) {
-        ui.Message("Ardelvantine", e.what());
+        ui.RuntimeError(e.what());
     }
 }
 

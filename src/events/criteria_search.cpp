@@ -20,10 +20,6 @@ constexpr int kIntervalCriterion = 5;
 constexpr std::array<int, kCriteriaCount - 1> kTestOrder = {0, 1, 2, 3, 4, 6, 7, 8,
                                                            9, 10, 11, 12, 13, 14, 15};
 
-// A statement that does not fit its target stops the command with the runtime's report, as
-// an unguarded conversion always did.
-void ReportOverflow(UserDialogs& ui) { ui.Message("Ardelvantine", "Overflow"); }
-
 // The group number a box holds, as the byte conversion takes it; nullopt is an overflow.
 std::optional<std::uint8_t> GroupOf(const std::string& text) { return ToUInt8(Val(text)); }
 
@@ -149,7 +145,7 @@ void Criteria_Command1(Session& s, UserDialogs& ui, CriteriaForm& f) {
         if (pass && f.Check5) pass = IntervalPasses(f, t, i);
         if (pass || f.Check1) {
             const auto& group = pass ? match : rest;
-            if (!group) return ReportOverflow(ui);
+            if (!group) return ui.RuntimeError("Overflow");
             e.GroupNumber = *group;
         }
     }
@@ -186,7 +182,7 @@ void Criteria_Command2(Session& s, UserDialogs& ui, CriteriaForm& f) {
         if (double(e.GroupNumber) == group) continue;
         if (f.Check4 && e.GroupNumber != 0) continue;
         const auto byte = ToUInt8(group);
-        if (!byte) return ReportOverflow(ui);
+        if (!byte) return ui.RuntimeError("Overflow");
         e.GroupNumber = *byte;
         ++k;
     }
@@ -195,7 +191,7 @@ void Criteria_Command2(Session& s, UserDialogs& ui, CriteriaForm& f) {
         const auto rest = GroupOf(f.Combo6);
         for (std::int32_t i = 1; i <= t.EventCount(); ++i) {
             if (double(t[i].GroupNumber) == group) continue;
-            if (!rest) return ReportOverflow(ui);
+            if (!rest) return ui.RuntimeError("Overflow");
             t[i].GroupNumber = *rest;
         }
     }

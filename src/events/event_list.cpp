@@ -309,7 +309,7 @@ void menu_savetoAsciiFile(Session& s, UserDialogs& ui, int index) {
     try {
         WriteFileReplacing(path, EventListExport(s, index));
     } catch (const std::exception& e) {
-        ui.Message("Ardelvantine", e.what());
+        ui.RuntimeError(e.what());
     }
 }
 

@@ -108,7 +108,7 @@ std::optional<BinChoice> AskBins(UserDialogs& ui, bool cross) {
         }
         // No counters at all: the array of counters cannot be dimensioned.
         if (upper < 0) {
-            ui.Message("Ardelvantine", "Subscript out of range");
+            ui.RuntimeError("Subscript out of range");
             return std::nullopt;
         }
         c.upperBin = std::int32_t(upper);

@@ -41,7 +41,7 @@ void WriteOrSay(UserDialogs& ui, const std::filesystem::path& path, std::string_
     try {
         WriteFileSafely(path, bytes);
     } catch (const std::system_error& e) {
-        ui.Message("Ardelvantine", "The file " + path.string() + " could not be written (" +
+        ui.RuntimeError("The file " + path.string() + " could not be written (" +
                                        e.code().message() + ").  Nothing was written.");
     }
 }
@@ -91,7 +91,7 @@ void menu_Copy2BMP(Session& s, UserDialogs& ui, GraphModel& g) {
     try {
         bytes = s.graphSink->PictureBytes(g, *format);
     } catch (const std::exception& e) {
-        ui.Message("Ardelvantine", e.what());
+        ui.RuntimeError(e.what());
         return;
     }
     WriteOrSay(ui, *path, bytes);
@@ -144,7 +144,7 @@ void menu_AddPlot1(Session& s, UserDialogs& ui, GraphModel& g) {
         // with the runtime's array check, after the points written so far.
         if (i > s.dataArray2.UpperBound()) {
             g.Redraw();
-            ui.Message("Ardelvantine", "Subscript out of range");
+            ui.RuntimeError("Subscript out of range");
             return;
         }
         GraphPoint& p = g.Point(set, i);

@@ -113,8 +113,6 @@ void Track(Collected& c, Tracking t, float v) {
     if (t.high && v > c.highest) c.highest = v;
 }
 
-void ReportRuntimeError(UserDialogs& ui, std::string_view text) { ui.Message("Ardelvantine", text); }
-
 // Asks the group; nullopt when the user cancelled or no event has the group (after the
 // message). 0 means all events.
 std::optional<double> AskGroup(const Session& s, UserDialogs& ui, std::int32_t& count) {
@@ -207,8 +205,8 @@ bool CountOrSay(UserDialogs& ui, std::span<const float> values, float lowest, fl
         case BinResult::TooManyBins:
             ui.Message("Too many bins", "Too many bins!  Please readjust the bin size and try again.");
             return false;
-        case BinResult::SubscriptError: ReportRuntimeError(ui, "Subscript out of range"); return false;
-        case BinResult::Overflow: ReportRuntimeError(ui, "Overflow"); return false;
+        case BinResult::SubscriptError: ui.RuntimeError("Subscript out of range"); return false;
+        case BinResult::Overflow: ui.RuntimeError("Overflow"); return false;
     }
     return false;
 }

@@ -12,19 +12,16 @@ namespace ardel {
 
 namespace {
 
-std::string Indexed(std::string_view name, int index) {
-    return std::string(name) + "(" + std::to_string(index) + ")";
-}
 
 void RegisterFillCommands(CommandTable& t) {
     for (int array = 1; array <= 2; ++array) {
         const std::string n = std::to_string(array);
         for (int field = 0; field < kArrayFieldCount; ++field) {
-            t.Add(Indexed("menu_PutAllArray" + n, field), "Put All Events into Array #" + n,
+            t.Add(IndexedName("menu_PutAllArray" + n, field), "Put All Events into Array #" + n,
                   kPlainCommand, [array, field](CommandContext& c) {
                       menu_PutAllArray(c.session, c.ui, array, field);
                   });
-            t.Add(Indexed("menu_PutHLArray" + n, field),
+            t.Add(IndexedName("menu_PutHLArray" + n, field),
                   "Put Highlighted Events into Array #" + n, kPlainCommand,
                   [array, field](CommandContext& c) {
                       menu_PutHLArray(c.session, c.ui, array, field);
@@ -35,7 +32,7 @@ void RegisterFillCommands(CommandTable& t) {
               [array](CommandContext& c) { menu_InterEventArray(c.session, c.ui, array); });
         t.Add("menu_ClearArray" + n, "Clear Array #" + n, kPlainCommand,
               [array](CommandContext& c) { menu_ClearArray(c.session, array); });
-        t.Add(Indexed("menu_PasteArray", array), "Paste into Array #" + n, kPlainCommand,
+        t.Add(IndexedName("menu_PasteArray", array), "Paste into Array #" + n, kPlainCommand,
               [array](CommandContext& c) { menu_PasteArray(c.session, c.ui, array); });
     }
     t.Add("menu_ArrayCopy", "Copy Arrays to Clipboard", kPlainCommand,
@@ -59,7 +56,7 @@ void RegisterWindowCommands(CommandTable& t) {
     t.Add("MathOperation.Command1", "Cancel", kPlainCommand,
           [](CommandContext& c) { c.forms.mathOperationShown = false; });
     for (int k = 0; k < 2; ++k) {
-        t.Add(Indexed("MathOperation.Combo1", k), "Operand", kPlainCommand,
+        t.Add(IndexedName("MathOperation.Combo1", k), "Operand", kPlainCommand,
               [k](CommandContext& c) { MathOperation_Combo1_Click(c.forms.mathOperation, k); });
     }
     t.Add("MathOperation.Combo2", "Operation", kPlainCommand,
@@ -76,9 +73,9 @@ void RegisterArrayCommands(CommandTable& table) {
 void RegisterArrayControls(ControlRegistry& r, Forms& forms) {
     MathOperationForm& f = forms.mathOperation;
     for (int k = 0; k < 2; ++k) {
-        r.AddComboIndex(Indexed("MathOperation.Combo1", k), f.Combo1[std::size_t(k)],
+        r.AddComboIndex(IndexedName("MathOperation.Combo1", k), f.Combo1[std::size_t(k)],
                         kMathOperands);
-        r.AddText(Indexed("MathOperation.Text1", k), f.Text1[std::size_t(k)]);
+        r.AddText(IndexedName("MathOperation.Text1", k), f.Text1[std::size_t(k)]);
     }
     r.AddComboIndex("MathOperation.Combo2", f.Combo2, kMathOperations);
     r.AddComboIndex("MathOperation.Combo3", f.Combo3, kMathDestinations);

@@ -21,8 +21,6 @@
 
 namespace ardel {
 
-// The program's name: the title of the message that reports a command that broke off.
-inline constexpr std::string_view kProgramName = "Ardelvantine";
 
 struct CommandContext {
     CommandContext(Session& s, UserDialogs& dialogs, Forms& f, std::filesystem::path dir = {})
@@ -64,6 +62,21 @@ struct CommandEntry {
     unsigned flags = kPlainCommand;
     std::function<void(CommandContext&)> body;
 };
+
+// The name of one element of a control array or of an indexed menu item: "menu_sort(3)".
+inline std::string IndexedName(std::string_view name, int index) {
+    return std::string(name) + "(" + std::to_string(index) + ")";
+}
+
+// The bodies of handlers that call one engine command with the session alone, or with the
+// session and the dialogs.
+inline std::function<void(CommandContext&)> SessionCommand(void (*command)(Session&)) {
+    return [command](CommandContext& c) { command(c.session); };
+}
+inline std::function<void(CommandContext&)> DialogCommand(void (*command)(Session&,
+                                                                          UserDialogs&)) {
+    return [command](CommandContext& c) { command(c.session, c.ui); };
+}
 
 class CommandTable {
   public:

@@ -12,9 +12,6 @@ namespace ardel {
 
 namespace {
 
-std::string Indexed(std::string_view name, int index) {
-    return std::string(name) + "(" + std::to_string(index) + ")";
-}
 
 void RegisterTestMenus(CommandTable& t) {
     const std::pair<const char*, std::string_view> menus[] = {
@@ -47,9 +44,9 @@ void RegisterFormHandlers(CommandTable& t) {
     t.Add("DataAnalysis.menu_exit", "Exit", kPlainCommand,
           [](CommandContext& c) { c.forms.dataAnalysisShown = false; });
     for (int k = 0; k < 3; ++k) {
-        t.Add(Indexed("DataAnalysis.Text2", k), "Sample 1", kPlainCommand,
+        t.Add(IndexedName("DataAnalysis.Text2", k), "Sample 1", kPlainCommand,
               [](CommandContext& c) { DataAnalysis_TextChange(c.forms.dataAnalysis, 0); });
-        t.Add(Indexed("DataAnalysis.Text3", k), "Sample 2", kPlainCommand,
+        t.Add(IndexedName("DataAnalysis.Text3", k), "Sample 2", kPlainCommand,
               [](CommandContext& c) { DataAnalysis_TextChange(c.forms.dataAnalysis, 1); });
     }
     t.Add("DataAnalysis.menu_ViewArray", "View Data Array", kPlainCommand,
@@ -59,7 +56,7 @@ void RegisterFormHandlers(CommandTable& t) {
     // The keys a script presses in the grid: Backspace and Enter; typing goes through the
     // current cell's control.
     for (int key : {8, 13}) {
-        t.Add(Indexed("DataAnalysis.Grid1_KeyPress", key), "Data Entry", kPlainCommand,
+        t.Add(IndexedName("DataAnalysis.Grid1_KeyPress", key), "Data Entry", kPlainCommand,
               [key](CommandContext& c) {
                   DataAnalysis_Grid1_KeyPress(c.session, c.forms.dataAnalysis, key);
               });
@@ -90,14 +87,14 @@ void RegisterDataAnalysisControls(ControlRegistry& r, Forms& forms) {
     for (std::size_t k = 0; k < 2; ++k) {
         int& option = f.Option[k];
         for (int e = 0; e < 2; ++e) {
-            r.Add(Indexed(optionNames[k], e),
+            r.Add(IndexedName(optionNames[k], e),
                   {ControlKind::OptionButton, [&option, e] { return option == e ? "True" : "False"; },
                    [&option, e](std::string_view v) {
                        if (CheckValue(v)) option = e;
                    }});
         }
         r.AddComboIndex(comboNames[k], f.Combo[k], kSampleArrays);
-        for (std::size_t e = 0; e < 3; ++e) r.AddText(Indexed(textNames[k], int(e)), f.Text[k][e]);
+        for (std::size_t e = 0; e < 3; ++e) r.AddText(IndexedName(textNames[k], int(e)), f.Text[k][e]);
     }
     r.AddText("DataAnalysis.Text4", f.Text4);
     r.Add("DataAnalysis.Grid1",

@@ -14,16 +14,6 @@ namespace ardel {
 
 namespace {
 
-using Body = std::function<void(CommandContext&)>;
-
-Body WithUi(void (*command)(Session&, UserDialogs&)) {
-    return [command](CommandContext& c) { command(c.session, c.ui); };
-}
-
-Body SessionOnly(void (*command)(Session&)) {
-    return [command](CommandContext& c) { command(c.session); };
-}
-
 // Nobody can press "Stop" in a script. When no row is left that the random selection could
 // still take, it would draw for ever; this presses "Stop" for the script as the window's user
 // would, so the run ends exactly as a press ends it (the inner report, then the outer one).
@@ -66,23 +56,23 @@ void RegisterListCommands(CommandTable& t) {
               [i](CommandContext& c) { menu_sort(c.session, i); });
     }
     t.Add("menu_RemoveDuplicates", "Remove Duplicates", kPlainCommand,
-          WithUi(menu_RemoveDuplicates));
+          DialogCommand(menu_RemoveDuplicates));
     t.Add("menu_deleteevents", "Delete Highlighted Events", kPlainCommand,
-          WithUi(menu_deleteevents));
+          DialogCommand(menu_deleteevents));
     t.Add("menu_RejectEvents", "Reject Highlighted Events", kPlainCommand,
-          SessionOnly(menu_RejectEvents));
+          SessionCommand(menu_RejectEvents));
     t.Add("menu_DeleteRejected", "Delete All Rejected Events", kPlainCommand,
-          SessionOnly(menu_DeleteRejected));
-    t.Add("menu_Group", "Mark Events as Group", kPlainCommand, WithUi(menu_Group));
-    t.Add("menu_markasgp", "Mark as Group", kPlainCommand, WithUi(menu_markasgp));
+          SessionCommand(menu_DeleteRejected));
+    t.Add("menu_Group", "Mark Events as Group", kPlainCommand, DialogCommand(menu_Group));
+    t.Add("menu_markasgp", "Mark as Group", kPlainCommand, DialogCommand(menu_markasgp));
     t.Add("menu_MarkAllEvents", "Mark All Events as Group", kPlainCommand,
-          WithUi(menu_MarkAllEvents));
+          DialogCommand(menu_MarkAllEvents));
     t.Add("menu_MarkAllWindow", "Mark All Events in this Window", kPlainCommand,
-          WithUi(menu_MarkAllWindow));
-    t.Add("menu_Unmark", "Unmark from Group", kPlainCommand, SessionOnly(menu_Unmark));
-    t.Add("menu_unmarkgp", "Unmark Highlighted Events", kPlainCommand, SessionOnly(menu_unmarkgp));
+          DialogCommand(menu_MarkAllWindow));
+    t.Add("menu_Unmark", "Unmark from Group", kPlainCommand, SessionCommand(menu_Unmark));
+    t.Add("menu_unmarkgp", "Unmark Highlighted Events", kPlainCommand, SessionCommand(menu_unmarkgp));
     t.Add("menu_UnmarkGrouped", "Unmark Grouped Events", kPlainCommand,
-          WithUi(menu_UnmarkGrouped));
+          DialogCommand(menu_UnmarkGrouped));
     for (int index = 0; index <= 1; ++index) {
         const std::string n = "(" + std::to_string(index) + ")";
         t.Add("menu_copytoclipboard" + n, "Copy to Clipboard", kPlainCommand,

@@ -25,20 +25,16 @@ namespace {
 
 using Body = std::function<void(CommandContext&)>;
 
-// A command that needs only the session and the dialogs.
-Body Plain(void (*command)(Session&, UserDialogs&)) {
-    return [command](CommandContext& c) { command(c.session, c.ui); };
-}
 
 void RegisterButtons(CommandTable& t) {
-    t.Add("Command1", "Analyse this window", kPlainCommand, Plain(Command1));
-    t.Add("Command2", "Analyse next window", kPlainCommand, Plain(Command2));
+    t.Add("Command1", "Analyse this window", kPlainCommand, DialogCommand(Command1));
+    t.Add("Command2", "Analyse next window", kPlainCommand, DialogCommand(Command2));
     t.Add("Command3", "Nonstop Analysis", kLongRun, [](CommandContext& c) {
         Command3(c.session, c.ui);
         c.forms.main.StatusText = std::to_string(c.session.events.EventCount()) + " events.";
     });
     t.Add("Command4", "Interrupt", kDuringRun, [](CommandContext& c) { Command4(c.session); });
-    t.Add("Command5", "Reset Events", kPlainCommand, Plain(Command5));
+    t.Add("Command5", "Reset Events", kPlainCommand, DialogCommand(Command5));
     const Body save6 = [](CommandContext& c) { Command6(c.session, c.ui, c.IniPath()); };
     t.Add("Command6", "Save Settings", kPlainCommand, save6);
     t.Add("menu_SaveSettingsArdel", "Save Settings", kPlainCommand, save6);
@@ -47,7 +43,7 @@ void RegisterButtons(CommandTable& t) {
 }
 
 void RegisterFileMenu(CommandTable& t) {
-    t.Add("menu_OpenEvent", "Open Event File", kPlainCommand, Plain(menu_OpenEvent));
+    t.Add("menu_OpenEvent", "Open Event File", kPlainCommand, DialogCommand(menu_OpenEvent));
     t.Add("menu_SaveEvent", "Save Event File", kPlainCommand, [](CommandContext& c) {
         // The file just written shows in the list at once.
         if (menu_SaveEvent(c.session, c.ui))
@@ -57,7 +53,7 @@ void RegisterFileMenu(CommandTable& t) {
           [](CommandContext& c) { menu_SaveParameter(c.session, c.ui, c.programDir); });
     t.Add("menu_LoadParameter", "Load Parameters", kPlainCommand,
           [](CommandContext& c) { menu_LoadParameter(c.session, c.ui, c.programDir); });
-    t.Add("menu_FileComments", "File Comments", kPlainCommand, Plain(menu_FileComments));
+    t.Add("menu_FileComments", "File Comments", kPlainCommand, DialogCommand(menu_FileComments));
     t.Add("menu_SaveSettingsCustom", "Save Settings in Custom Settings File", kPlainCommand,
           [](CommandContext& c) { menu_SaveSettingsCustom(c.session, c.ui, c.IniPath()); });
     t.Add("menu_LoadSettings", "Load Settings", kPlainCommand, [](CommandContext& c) {
@@ -127,18 +123,18 @@ void RegisterAnalysisMenu(CommandTable& t) {
     t.Add("menu_DoublePeak_Click", "Analyse Double Peak", kPlainCommand, doublePeak);
     t.Add("menu_DoublePeak", "Analyse Double Peak", kPlainCommand, doublePeak);
     t.Add("menu_ScanDoublePeak", "Scan and Detect Double Peaks", kLongRun,
-          Plain(menu_ScanDoublePeak));
+          DialogCommand(menu_ScanDoublePeak));
     t.Add("menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold", kLongRun,
-          Plain(menu_ScanAdjustBaseline));
-    t.Add("menu_RejectThisEvent", "Reject This Event", kPlainCommand, Plain(menu_RejectThisEvent));
+          DialogCommand(menu_ScanAdjustBaseline));
+    t.Add("menu_RejectThisEvent", "Reject This Event", kPlainCommand, DialogCommand(menu_RejectThisEvent));
     t.Add("menu_DeletEvent", "Delete This Event", kPlainCommand, [](CommandContext& c) {
         menu_DeletEvent(c.session, c.ui);
         // The deleted event's marks leave the picture; the new selection is marked.
         RedrawSelection(c.session);
     });
-    t.Add("menu_RecalculatePeak", "Recalculate Peak", kPlainCommand, Plain(menu_RecalculatePeak));
+    t.Add("menu_RecalculatePeak", "Recalculate Peak", kPlainCommand, DialogCommand(menu_RecalculatePeak));
     t.Add("menu_BaselineThreshold", "Use Threshold as Baseline", kPlainCommand,
-          Plain(menu_BaselineThreshold));
+          DialogCommand(menu_BaselineThreshold));
 }
 
 void RegisterNavigationAndDisplay(CommandTable& t) {

@@ -12,12 +12,6 @@ namespace ardel {
 inline constexpr std::string_view kPrintNeedsDesktop =
     "Printing needs the desktop program; the list can be saved or copied instead.";
 
-// "menu_printeventsdirect(0)" .. : the names of the print handlers, Index 0 all rows, 1 the
-// highlighted rows, then "menu_eventspagesetup".
-inline std::string PrintHandlerName(std::string_view base, int index) {
-    return std::string(base) + "(" + std::to_string(index) + ")";
-}
-
 void RegisterPrintCommands(CommandTable& table);
 
 }  // namespace ardel

@@ -177,11 +177,11 @@ Ardelvantine::~Ardelvantine() {
 // The handlers only the desktop has: the list's printing, and those that show a window.
 void Ardelvantine::RegisterDesktopCommands() {
     for (int index = 0; index <= 1; ++index) {
-        table_.Add(PrintHandlerName("menu_printeventsdirect", index), "Print", kPlainCommand,
+        table_.Add(IndexedName("menu_printeventsdirect", index), "Print", kPlainCommand,
                    [this, index](CommandContext& c) {
                        if (!printer_->Print(index)) c.ui.Message("Print", "No printer is available.");
                    });
-        table_.Add(PrintHandlerName("menu_EventsPrintPreview", index), "Print Preview",
+        table_.Add(IndexedName("menu_EventsPrintPreview", index), "Print Preview",
                    kPlainCommand,
                    [this, index](CommandContext&) { printer_->Preview(index, this); });
     }

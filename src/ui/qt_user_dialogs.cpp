@@ -9,13 +9,11 @@
 #include <QRegularExpression>
 #include <QScreen>
 
+#include "ui/qt_text.h"
+
 namespace ardel {
 
 namespace {
-
-QString Q(std::string_view s) {
-    return QString::fromUtf8(s.data(), qsizetype(s.size()));
-}
 
 std::filesystem::path PathOf(const QString& s) {
     return std::filesystem::path(s.toStdString());

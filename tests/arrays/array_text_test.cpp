@@ -146,7 +146,7 @@ TEST(ArrayTextCommands, SaveAsksBeforeReplacingAndImportReplacesBothArrays) {
     std::filesystem::permissions(dir / "ro", std::filesystem::perms::owner_read |
                                                  std::filesystem::perms::owner_exec);
     if (!std::ofstream(dir / "ro" / "probe")) {  // root can write anyway
-        ui.ExpectSaveFile(dir / "ro" / "a.txt").ExpectMessage(std::string(kRuntimeErrorTitle));
+        ui.ExpectSaveFile(dir / "ro" / "a.txt").ExpectMessage(std::string(kProgramName));
         menu_ArrayAscii(s, ui);
         EXPECT_TRUE(std::filesystem::is_empty(dir / "ro"));
     }

@@ -170,7 +170,7 @@ TEST(InterEventArray, SortedIntervalsWithoutTheStrayZeroAndItsErrors) {
     // Appending no event at all to an empty array: the runtime's error, the array as it was.
     ui.ExpectAsk(kAppend, std::nullopt, Answer::No)
         .ExpectInput("Calculate Grouped Events", std::nullopt, "9")
-        .ExpectMessage(std::string(kRuntimeErrorTitle), "Subscript out of range");
+        .ExpectMessage(std::string(kProgramName), "Subscript out of range");
     menu_InterEventArray(s, ui, 2);
     EXPECT_EQ(s.dataArray2.UpperBound(), 1);
 }

@@ -117,7 +117,7 @@ TEST(MathOperation, IntervalsSortTheTableAndAnEmptyTableIsTheRuntimeError) {
 
     Session empty;
     ScriptedDialogs ui;
-    ui.ExpectMessage(std::string(kRuntimeErrorTitle), "Subscript out of range");
+    ui.ExpectMessage(std::string(kProgramName), "Subscript out of range");
     f.Combo1 = {0, kOperandArray1};
     MathOperation_Command2(empty, ui, f);
 }

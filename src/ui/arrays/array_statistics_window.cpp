@@ -8,13 +8,10 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "ui/qt_text.h"
+
 namespace ardel {
 
-namespace {
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-}  // namespace
 
 ArrayStatisticsWindow::ArrayStatisticsWindow(QWidget* parent) : QDialog(parent) {
     setObjectName("CStat");

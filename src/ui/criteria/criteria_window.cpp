@@ -14,17 +14,11 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "ui/qt_text.h"
+
 namespace ardel {
 
 namespace {
-
-QString Q(std::string_view s) {
-    return QString::fromUtf8(s.data(), qsizetype(s.size()));
-}
-
-std::string S(const QString& s) {
-    return s.toStdString();
-}
 
 // A box that offers its list and takes any typed text.
 QComboBox* Combo(const QString& name, const std::vector<std::string>& items) {

@@ -20,18 +20,16 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "script/command_table.h"
 #include "script/forms.h"
+#include "ui/main/window_helpers.h"
 #include "ui/plot/graph_render.h"
 
 namespace ardel {
 
 namespace {
 
-QString Q(const std::string& s) { return QString::fromStdString(s); }
 
-std::string Indexed(const std::string& name, int index) {
-    return name + "(" + std::to_string(index) + ")";
-}
 
 QAction* Item(QMenu* menu, const std::string& name, const QString& caption) {
     QAction* a = menu->addAction(caption);
@@ -65,7 +63,7 @@ DataAnalysisWindow::DataAnalysisWindow(Forms& forms, std::function<void(const st
         combo_[i]->setObjectName(Q(comboNames[k]));
         for (const std::string& item : kSampleArrays) combo_[i]->addItem(Q(item));
         for (int e = 0; e < 2; ++e) {
-            option_[i][std::size_t(e)]->setObjectName(Q(Indexed(optionNames[k], e)));
+            option_[i][std::size_t(e)]->setObjectName(Q(IndexedName(optionNames[k], e)));
             connect(option_[i][std::size_t(e)], &QRadioButton::toggled, this, [this] { ToForm(); });
         }
         grid->addWidget(option_[i][0], 0, 0);
@@ -74,12 +72,12 @@ DataAnalysisWindow::DataAnalysisWindow(Forms& forms, std::function<void(const st
         connect(combo_[i], &QComboBox::activated, this, [this] { ToForm(); });
         for (int e = 0; e < 3; ++e) {
             auto* edit = new QLineEdit;
-            edit->setObjectName(Q(Indexed(textNames[k], e)));
+            edit->setObjectName(Q(IndexedName(textNames[k], e)));
             text_[i][std::size_t(e)] = edit;
             grid->addWidget(new QLabel(textLabels[e]), 2 + e, 0);
             grid->addWidget(edit, 2 + e, 1);
             // Typing selects the sample's "Mean" option.
-            const std::string handler = "DataAnalysis." + Indexed(textNames[k], e);
+            const std::string handler = "DataAnalysis." + IndexedName(textNames[k], e);
             connect(edit, &QLineEdit::textEdited, this, [this, handler] { Run(handler); });
         }
         inputLayout->addWidget(box);
@@ -285,11 +283,7 @@ void AddDataAnalysisItems(QMenu* menu, std::function<void(const std::string&)> r
         {"menu_LinearRegression", "Linear Regression"},
         {"menu_KStest", "Kolmogorov-Smirnov Two Sample Test"},
         {"menu_ManualDataEntry", "View or Enter Data into Array"}};
-    for (const auto& [name, caption] : items) {
-        const std::string handler = name;
-        QObject::connect(Item(menu, handler, caption), &QAction::triggered, menu,
-                         [run, handler] { run(handler); });
-    }
+    for (const auto& [name, caption] : items) mainwindow::AddHandlerItem(menu, caption, name, run);
 }
 
 }  // namespace ardel

@@ -4,19 +4,15 @@
 #include <QMenuBar>
 
 #include "arrays/data_arrays.h"
+#include "script/command_table.h"
 #include "script/forms.h"
 #include "ui/arrays/array_statistics_window.h"
 #include "ui/arrays/math_operation_dialog.h"
+#include "ui/main/window_helpers.h"
 
 namespace ardel {
 
 namespace {
-
-void Item(QMenu* menu, const std::string& name, const QString& caption, const RunHandler& run) {
-    QAction* a = menu->addAction(caption);
-    a->setObjectName(QString::fromStdString(name));
-    QObject::connect(a, &QAction::triggered, menu, [run, name] { run(name); });
-}
 
 // One submenu per fill command, each listing all field captions.
 void FieldMenu(QMenu* parent, const std::string& name, const QString& caption,
@@ -25,8 +21,9 @@ void FieldMenu(QMenu* parent, const std::string& name, const QString& caption,
     sub->setObjectName(QString::fromStdString(name));
     for (int i = 0; i < kArrayFieldCount; ++i) {
         const std::string_view field = ArrayFieldCaption(i);
-        Item(sub, name + "(" + std::to_string(i) + ")",
-             QString::fromUtf8(field.data(), qsizetype(field.size())).replace("&", "&&"), run);
+        mainwindow::AddHandlerItem(
+            sub, QString::fromUtf8(field.data(), qsizetype(field.size())).replace("&", "&&"),
+            IndexedName(name, i), run);
     }
 }
 
@@ -40,22 +37,24 @@ QMenu* AddArrayMenus(QMenuBar* bar, RunHandler run) {
         const QString array = QString(" Array #%1").arg(n);
         FieldMenu(menu, "menu_PutAllArray" + a, "Put All Events into" + array, run);
         FieldMenu(menu, "menu_PutHLArray" + a, "Put Highlighted Events into" + array, run);
-        Item(menu, "menu_InterEventArray" + a, "Inter-event Intervals into" + array, run);
+        mainwindow::AddHandlerItem(menu, "Inter-event Intervals into" + array,
+                                   "menu_InterEventArray" + a, run);
         menu->addSeparator();
     }
-    Item(menu, "menu_ClearArray1", "Clear Array #1", run);
-    Item(menu, "menu_ClearArray2", "Clear Array #2", run);
+    mainwindow::AddHandlerItem(menu, "Clear Array #1", "menu_ClearArray1", run);
+    mainwindow::AddHandlerItem(menu, "Clear Array #2", "menu_ClearArray2", run);
     menu->addSeparator();
-    Item(menu, "menu_ArrayCopy", "Copy Arrays to Clipboard", run);
+    mainwindow::AddHandlerItem(menu, "Copy Arrays to Clipboard", "menu_ArrayCopy", run);
     QMenu* paste = menu->addMenu("Paste from Clipboard");
     paste->setObjectName("menu_PasteArray");
-    Item(paste, "menu_PasteArray(1)", "into Array #1", run);
-    Item(paste, "menu_PasteArray(2)", "into Array #2", run);
-    Item(menu, "menu_ArrayAscii", "Save Array Data as ASCII", run);
-    Item(menu, "menu_importAscii", "Open ASCII to import data into Arrays", run);
+    mainwindow::AddHandlerItem(paste, "into Array #1", "menu_PasteArray(1)", run);
+    mainwindow::AddHandlerItem(paste, "into Array #2", "menu_PasteArray(2)", run);
+    mainwindow::AddHandlerItem(menu, "Save Array Data as ASCII", "menu_ArrayAscii", run);
+    mainwindow::AddHandlerItem(menu, "Open ASCII to import data into Arrays", "menu_importAscii",
+                               run);
     menu->addSeparator();
-    Item(menu, "menu_ArrayStat", "Statistics of Arrays", run);
-    Item(menu, "menu_MathOperation", "Mathematical Operation", run);
+    mainwindow::AddHandlerItem(menu, "Statistics of Arrays", "menu_ArrayStat", run);
+    mainwindow::AddHandlerItem(menu, "Mathematical Operation", "menu_MathOperation", run);
     return menu;
 }
 

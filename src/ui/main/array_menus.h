@@ -2,8 +2,7 @@
 // handler by name through the command table, so the desktop and scripts share one path.
 #pragma once
 
-#include <functional>
-#include <string>
+#include "ui/run_handler.h"
 
 class QMenu;
 class QMenuBar;
@@ -15,7 +14,6 @@ struct Forms;
 class ArrayStatisticsWindow;
 class MathOperationDialog;
 
-using RunHandler = std::function<void(const std::string&)>;
 
 // Adds the menu with every fill, clear, clipboard, file, statistics and arithmetic item; each
 // QAction carries its handler's name as objectName ("menu_PutAllArray1(0)").

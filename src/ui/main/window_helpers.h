@@ -12,6 +12,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "ui/qt_text.h"
+
 namespace ardel::mainwindow {
 
 inline constexpr const char* kText4Labels[7] = {
@@ -32,13 +34,6 @@ inline constexpr int kBlinkMs = 300;
 // baseline gives at the usual gains.
 inline constexpr int kOffsetRange = 2 * 65536;
 
-inline QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-inline std::string S(const QString& s) {
-    return s.toStdString();
-}
 
 // Menu captions show "&" as a mnemonic; a literal one is doubled.
 inline QString MenuText(std::string_view s) {

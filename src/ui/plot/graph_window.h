@@ -11,6 +11,7 @@
 #include <QMainWindow>
 #include <QWidget>
 
+#include "ui/run_handler.h"
 #include "core/session.h"
 #include "graph/graph_sink.h"
 
@@ -22,7 +23,6 @@ class QMenuBar;
 namespace ardel {
 
 // Runs a handler of the command table by name.
-using RunHandler = std::function<void(const std::string&)>;
 
 class GraphChild : public QWidget {
     Q_OBJECT
