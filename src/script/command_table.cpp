@@ -180,11 +180,16 @@ CommandEntry OpenFileEntry(const std::filesystem::path& full) {
             }};
 }
 
-void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file) {
+void ShowFolderAndOpen(CommandContext& c, const std::filesystem::path& file) {
     std::error_code ec;
     const std::filesystem::path full = std::filesystem::absolute(file, ec);
     ShowFolder(c.session, c.forms.main, full.parent_path());
-    RunCommand(c, OpenFileEntry(full));
+    OpenFileEntry(full).body(c);
+}
+
+void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file) {
+    RunCommand(c, {"FListBoxFETCH", kPlainCommand,
+                   [file](CommandContext& cc) { ShowFolderAndOpen(cc, file); }});
 }
 
 CommandEntry GridRowEntry(std::int32_t row) {

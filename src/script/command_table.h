@@ -134,6 +134,8 @@ void RegisterMainWindowCommands(CommandTable& table);
 void OpenFileAsClick(CommandContext& c, const std::filesystem::path& file);
 // The command of that click, for a caller that shows the folder itself. file is absolute.
 CommandEntry OpenFileEntry(const std::filesystem::path& file);
+// Inside a running command: the file's folder is shown, then the file opens as a click on it.
+void ShowFolderAndOpen(CommandContext& c, const std::filesystem::path& file);
 
 // A row chosen in the grid (1-based): the event becomes current and its screen is shown.
 void ChooseGridRow(CommandContext& c, std::int32_t row);

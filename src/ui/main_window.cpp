@@ -206,12 +206,7 @@ void Ardelvantine::RegisterDesktopCommands() {
         spec.filter =
             "ABF Data File (*.DAT *.ABF)|*.DAT;*.ABF|Event File (*.EVT)|*.EVT|All Files (*)|*";
         spec.initialDirectory = c.session.CurrentFolder;
-        const auto chosen = c.ui.OpenFileName(spec);
-        if (!chosen) return;
-        std::error_code ec;
-        const fs::path full = fs::absolute(*chosen, ec);
-        ardel::ShowFolder(c.session, c.forms.main, full.parent_path());
-        OpenFileEntry(full).body(c);
+        if (const auto chosen = c.ui.OpenFileName(spec)) ShowFolderAndOpen(c, *chosen);
     });
 }
 
