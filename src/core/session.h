@@ -14,6 +14,7 @@
 #include "core/event_table.h"
 #include "core/parameters.h"
 #include "core/recording.h"
+#include "core/result_table.h"
 
 namespace ardel {
 
@@ -64,6 +65,8 @@ struct Session {
     DataArray dataArray1, dataArray2;
     // The values of the last histogram, 1-based like the Data Arrays (element 0 unused).
     std::vector<float> HistogramData;
+    // The group analyses' results; survives closing the group window.
+    ResultTable results;
     std::string Label11;      // the open file's name as the main window shows it
     std::string FileComment;  // the 56-character comment that event files carry
     // The folder the file list shows; file dialogs start there.

@@ -10,6 +10,7 @@
 #include "arrays/math_operation.h"
 #include "arrays/statistical_tests.h"
 #include "events/criteria_search.h"
+#include "group/grp_anal_form.h"
 #include "script/main_form.h"
 
 namespace ardel {
@@ -36,6 +37,8 @@ struct Forms {
     // The statistical tests' form; shown by the menu items that choose a test.
     DataAnalysisForm dataAnalysis;
     bool dataAnalysisShown = false;
+    // The group analysis window: its controls and its trace store.
+    group::GroupWindow grpAnal;
 };
 
 }  // namespace ardel

@@ -1,0 +1,91 @@
+// The group analysis window ("Group Analysis and Curve Fitting") as data: one field per control,
+// holding what the control shows, with the defaults of a freshly loaded window. Commands read
+// the controls from here at the moment of use; the desktop binds its widgets to these fields.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "group/trace_store.h"
+
+namespace ardel::group {
+
+struct GrpAnalForm {
+    // ---- Display tab -------------------------------------------------------------------
+    // Source of the traces: Option2(0) "Episodes", Option2(1) "Group #".
+    bool Option2_0 = true;
+    bool Option2_1 = false;
+    std::string Combo1 = "1";          // group number
+    std::string Combo2 = "Average";    // display type
+    std::string Combo3 = "Peak";       // alignment
+    std::string Combo4 = "1";          // Blocks to analyse (1 Block = 256 points)
+    std::string Combo5 = "1";          // gain
+    std::string Combo6 = "0";          // offset in sample units
+    std::string Combo7 = "1";          // display every ... points (kept with the settings only)
+    bool ckBaseline = false;
+    bool Check10 = false;              // display full sweep
+    bool Check1 = false;               // display cursors
+    bool Check15 = false;              // time-lock cursors
+    std::int32_t Slider1 = 0;
+    std::string Label6;
+    std::string lbCursor;
+    // The cursors' x positions in points (Line1(0), Line1(1)).
+    std::array<double, 2> Line1X{0.0, 0.0};
+
+    // ---- Curve fitting tab -------------------------------------------------------------
+    std::string Combo9 = "2";              // number of exponentials
+    std::string Combo8 = "Peak to End";    // fit range
+    std::string Combo11 = "1000";          // max iterations
+    std::string Text5 = "0.001";           // tolerance
+    int Combo29 = 0;                       // rise time: 0 "10-90%", 1 "20-80%", 2 "30-70%"
+    bool Check3 = false;                   // include offset
+    bool Check4 = false;                   // fix amplitude
+    bool UseGuess = false;
+    std::array<std::string, 3> Tau{"5", "100", "1000"};
+    std::array<std::string, 3> Amp{"100", "50", "25"};
+    bool Check16 = false;                  // difference area from the fit
+    bool Check13 = false;                  // auto-reject
+    std::string Combo10;                   // minimum R-squared
+    std::string Combo31;                   // compare fits: change in R-squared (%)
+    bool Check14 = false;                  // regroup two-exponential traces
+    std::string Combo32;                   // ... as this group
+    std::string Command2 = "Start Fitting";
+    std::string Label10;
+    std::string Label11;
+
+    // ---- AP wave analysis tab ----------------------------------------------------------
+    std::string Text6;                     // points for smoothing
+    std::string Combo14 = "20";            // width at a constant above threshold
+    std::string Combo12 = "90-37%";        // decay calculation by %
+    bool Check2 = false;                   // threshold as baseline
+    std::string Combo19 = "5";             // Ym level (mV)
+    std::string Combo20 = "2";             // Yt level (mV)
+    std::string Combo13 = "50-90% Rise";   // amperometric rise (kept with the settings)
+    std::string Combo15 = "2";             // electrons (kept with the settings)
+
+    // ---- Random walk (kept with the settings) ------------------------------------------
+    std::string Combo16 = "Amperometry in Slice";
+    std::string Combo17 = "Diffusing";
+    std::array<std::string, 8> Text1{"3.500", "0.240", "2.000", "4.000", "1.000", "25.000", "", "2.7e-6"};
+    std::string Text2 = "500";
+    std::string Text3 = "0.001";
+
+    // ---- Non-stationary noise tab ------------------------------------------------------
+    std::string Text4 = "100";             // number of amplitude bins
+    std::string Combo18 = "5";             // consecutive traces to average
+    bool Check5 = false;                   // subtract baseline variance
+    bool Check6 = false;                   // include offset in fitting
+
+    // ---- Multi peak tab ----------------------------------------------------------------
+    std::string Combo22 = "1";             // points to avoid a duplicate peak
+};
+
+// What the window holds between commands: its controls and the trace store.
+struct GroupWindow {
+    GrpAnalForm form;
+    TraceStore store;
+    bool shown = false;
+};
+
+}  // namespace ardel::group

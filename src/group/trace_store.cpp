@@ -1,0 +1,1 @@
+#include "group/trace_store.h"
