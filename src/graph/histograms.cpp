@@ -223,15 +223,14 @@ void SortAscending(std::vector<float>& data) {
     std::sort(data.begin() + 1, end);
 }
 
-void FrequencyGraph(Session& s, const Field& f, const std::string& unit, float bin,
+void FrequencyGraph(Session& s, const FrequencyHistogramNames& names, float bin,
                     const BinCounts& b) {
     GraphModel g;
-    const std::string name(f.name);
-    g.Caption = name + " Frequency Histogram  " + s.Label11;
-    g.GraphTitle =
-        GraphTitleText(name + " Frequency Histogram " + s.Label11 + " bin size=" + CStr(bin));
-    g.LeftTitle = "Number of Events";
-    g.BottomTitle = name + " (" + unit + ")";
+    g.Caption = names.caption;
+    g.GraphTitle = GraphTitleText(names.name + " Frequency Histogram " + s.Label11 +
+                                  " bin size=" + CStr(bin));
+    g.LeftTitle = names.leftTitle;
+    g.BottomTitle = names.name + " (" + names.unit + ")";
     g.GraphStyle = kStyleBars;
     // Bars as wide as a bin, so that neighbours touch.
     g.BarWidth = bin;
@@ -342,10 +341,25 @@ void Histogram(Session& s, UserDialogs& ui, int kind, const SortByTime& sortByTi
     if (!bin) return;
     BinCounts counts;
     if (!CountOrSay(ui, Values(s), range.lowest, range.highest, *bin, counts)) return;
-    if (family == kFrequencyKind)
-        FrequencyGraph(s, f, unit, *bin, counts);
+    if (family == kFrequencyKind) {
+        const std::string name(f.name);
+        FrequencyGraph(s, {name, unit, std::string(f.defaultBin),
+                           name + " Frequency Histogram  " + s.Label11, "Number of Events"},
+                       *bin, counts);
+    }
     else
         CumulativeGraph(s, f, unit, *bin, counts);
+}
+
+void FrequencyHistogramOf(Session& s, UserDialogs& ui, const FrequencyHistogramNames& names,
+                          float lowest, float highest) {
+    const auto bin = AskBinSize(
+        ui, "Bin Size", "Please enter the bin size for " + names.name + " in " + names.unit + ".",
+        names.defaultBin);
+    if (!bin) return;
+    BinCounts counts;
+    if (!CountOrSay(ui, Values(s), lowest, highest, *bin, counts)) return;
+    FrequencyGraph(s, names, *bin, counts);
 }
 
 void RunningAveragePlot(Session& s, UserDialogs& ui, int field, const SortByTime& sortByTime) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -45,6 +46,20 @@ void RunningAveragePlot(Session& s, UserDialogs& ui, int field, const SortByTime
 
 // "X-Y plot of Array #1 and Array #2".
 void menu_plotscatterXY(Session& s, UserDialogs& ui);
+
+// A frequency histogram of Session::HistogramData (elements 1..) under names of the caller's,
+// counted as the Plot menu's frequency histograms count: the bin size asked, floor-based bins
+// spanning lowest..highest, the bin limit and its message. The heart rate commands use it for
+// their interval histograms.
+struct FrequencyHistogramNames {
+    std::string name;        // what is counted: "RR Interval"
+    std::string unit;        // "msec"
+    std::string defaultBin;  // the bin size box's default
+    std::string caption;     // the window's caption
+    std::string leftTitle;   // "Number of RR Intervals"
+};
+void FrequencyHistogramOf(Session& s, UserDialogs& ui, const FrequencyHistogramNames& names,
+                          float lowest, float highest);
 
 // The counters of a histogram: bin k holds the values v with floor(v / binSize) = k, for k
 // from lower to upper.

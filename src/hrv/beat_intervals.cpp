@@ -10,4 +10,13 @@ std::vector<float> RRIntervals(const EventTable& events) {
     return rr;
 }
 
+std::vector<float> AcceptedIntervals(const EventTable& events, const RRBounds& bounds) {
+    std::vector<float> accepted;
+    for (std::int32_t i = 2; i <= events.EventCount(); ++i) {
+        const float rr = events[i].Time - events[i - 1].Time;
+        if (bounds.Accepts(rr)) accepted.push_back(rr);
+    }
+    return accepted;
+}
+
 }  // namespace ardel::hrv
