@@ -42,7 +42,7 @@ std::vector<std::uint8_t> BuildAbfFile(const AbfBuildSpec& spec,
     std::vector<std::uint8_t> out(head.begin(), head.end());
     const std::size_t at = out.size();
     out.resize(at + multiplexed.size() * 2);
-    std::memcpy(out.data() + at, multiplexed.data(), multiplexed.size() * 2);
+    if (!multiplexed.empty()) std::memcpy(out.data() + at, multiplexed.data(), multiplexed.size() * 2);
     return out;
 }
 

@@ -11,6 +11,8 @@
 #include "arrays/statistical_tests.h"
 #include "events/criteria_search.h"
 #include "group/grp_anal_form.h"
+#include "hrv/spurious_form.h"
+#include "hrv/time_domain.h"
 #include "script/main_form.h"
 
 namespace ardel {
@@ -39,6 +41,14 @@ struct Forms {
     bool dataAnalysisShown = false;
     // The group analysis window: its controls and its trace store.
     group::GroupWindow grpAnal;
+    // The heart rate variability window of the time-domain measures; its menu item shows it and
+    // reads its settings the first time.
+    hrv::HrvForm hrv;
+    bool hrvShown = false;
+    bool hrvLoaded = false;
+    // The scan for spurious RR intervals.
+    hrv::HrvSpuriousForm hrvSpurious;
+    bool hrvSpuriousShown = false;
 };
 
 }  // namespace ardel
