@@ -9,6 +9,7 @@
 #include "core/ini_file.h"
 #include "core/number_text.h"
 #include "core/safe_file.h"
+#include "core/text_save.h"
 
 namespace ardel {
 
@@ -131,22 +132,7 @@ void menu_ArrayAscii(Session& s, UserDialogs& ui) {
     spec.filter = "Text File (*.txt)";
     spec.fileName = s.Label11.substr(0, s.Label11.find('.'));
     spec.initialDirectory = s.CurrentFolder;
-    const auto chosen = ui.SaveFileName(spec);
-    if (!chosen || chosen->empty()) return;
-    std::filesystem::path path = *chosen;
-    if (!path.has_extension()) path += ".txt";
-    std::error_code ec;
-    if (std::filesystem::exists(std::filesystem::symlink_status(path, ec)) &&
-        ui.Ask("Replace File", "File already exist.  Do you want to replace this file?",
-               Buttons::YesNo) != Answer::Yes) {
-        return;
-    }
-    try {
-        // Written beside and renamed over, so a failed write leaves the old file whole.
-        WriteFileReplacing(path, text);
-    } catch (const std::exception& e) {
-        ui.RuntimeError(e.what());
-    }
+    SaveTextThroughDialog(ui, spec, text, ExistingFile::AskToReplace);
 }
 
 void menu_importAscii(Session& s, UserDialogs& ui) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/abf_writer.h"
-#include "core/ini_file.h"
+#include "core/text_save.h"
 #include "core/number_text.h"
 #include "events/event_list.h"
 #include "graph/graph_model.h"
@@ -16,8 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kReplaceText = "File already exist.  Do you want to replace this file?";
-
 // The value of a scan's input box; nullopt for an empty reply or 0, which end the scan.
 std::optional<double> AskScanLimit(UserDialogs& ui, std::string_view title,
                                    std::string_view prompt, std::string_view defaultText) {
@@ -26,6 +24,19 @@ std::optional<double> AskScanLimit(UserDialogs& ui, std::string_view title,
     const double limit = Val(reply);
     if (limit == 0) return std::nullopt;
     return limit;
+}
+
+// Gives the group to event i - back for each i = 2..N whose interval t(i) - t(i-1), in table
+// order, the test picks; returns how many. A mark overwrites the group the event held.
+template <typename Test>
+std::int64_t MarkIntervals(Session& s, Test picks, std::int32_t back, std::uint8_t group) {
+    std::int64_t count = 0;
+    for (std::int32_t i = 2; i <= s.events.EventCount(); ++i) {
+        if (!picks(double(s.events[i].Time - s.events[i - 1].Time))) continue;
+        s.events[i - back].GroupNumber = group;
+        ++count;
+    }
+    return count;
 }
 
 std::vector<float> IntervalsOf(const std::vector<Beat>& beats) {
@@ -82,20 +93,8 @@ void menu_TachogramASCII(Session& s, UserDialogs& ui, const IntervalFilter& filt
     spec.filter = "Text File (*.txt)";
     spec.fileName = s.Label11.substr(0, s.Label11.find('.'));
     spec.initialDirectory = s.CurrentFolder;
-    const auto chosen = ui.SaveFileName(spec);
-    if (!chosen || chosen->empty()) return;
-    fs::path file = *chosen;
-    if (!file.has_extension()) file += ".txt";
-    std::error_code ec;
-    if (fs::exists(fs::symlink_status(file, ec)) &&
-        ui.Ask("Replace File", kReplaceText, Buttons::YesNo) != Answer::Yes) {
-        return;
-    }
-    try {
-        WriteFileReplacing(file, TachogramText(s.recording.DataFilePath, *beats));
-    } catch (const std::exception& e) {
-        ui.RuntimeError(e.what());
-    }
+    SaveTextThroughDialog(ui, spec, TachogramText(s.recording.DataFilePath, *beats),
+                          ExistingFile::AskToReplace);
 }
 
 void menu_TachogramABF(Session& s, UserDialogs& ui, const fs::path& programDir,
@@ -169,15 +168,8 @@ void HRVSpurious_Command1(Session& s, UserDialogs& ui) {
         "RR-interval to be rejected in msec.",
         "20");
     if (!limit) return;
-    std::int64_t count = 0;
-    for (std::int32_t i = 2; i <= s.events.EventCount(); ++i) {
-        if (double(s.events[i].Time - s.events[i - 1].Time) < *limit) {
-            s.events[i].GroupNumber = kRejectedGroup;
-            ++count;
-        }
-    }
-    ui.Message("Search Finished",
-               Str(count) + " events are rejected and marked as group #255");
+    const auto count = MarkIntervals(s, [&](double rr) { return rr < *limit; }, 0, kRejectedGroup);
+    ui.Message("Search Finished", Str(count) + " events are rejected and marked as group #255");
 }
 
 void menu_ScanMissingBeats(Session& s, UserDialogs& ui) {
@@ -188,13 +180,7 @@ void menu_ScanMissingBeats(Session& s, UserDialogs& ui) {
         "interval to be considered as a missing beat in msec.",
         "100");
     if (!limit) return;
-    std::int64_t count = 0;
-    for (std::int32_t i = 2; i <= s.events.EventCount(); ++i) {
-        if (double(s.events[i].Time - s.events[i - 1].Time) > *limit) {
-            s.events[i - 1].GroupNumber = kMissingBeatGroup;
-            ++count;
-        }
-    }
+    const auto count = MarkIntervals(s, [&](double rr) { return rr > *limit; }, 1, kMissingBeatGroup);
     ui.Message("Search Finished", "There are " + CStr(count) +
                                       " areas with potential missing beats.  The events are "
                                       "marked as group #253.");

@@ -5,7 +5,7 @@
 #include "arrays/numeric_library.h"
 #include "core/ini_file.h"
 #include "core/number_text.h"
-#include "core/safe_file.h"
+#include "core/text_save.h"
 #include "events/event_list.h"
 
 namespace ardel::hrv {
@@ -302,20 +302,7 @@ void SaveGridText(const Session& s, UserDialogs& ui, const std::string& text) {
     spec.defaultExtension = "txt";
     spec.filter = "ASCII File (*.txt)";
     spec.initialDirectory = s.CurrentFolder;
-    const auto chosen = ui.SaveFileName(spec);
-    if (!chosen || chosen->empty()) return;
-    fs::path file = *chosen;
-    if (!file.has_extension()) file += ".txt";
-    std::error_code ec;
-    if (fs::exists(fs::symlink_status(file, ec))) {
-        ui.Message("File Exist", "File already exist.  Try again with different file name.");
-        return;
-    }
-    try {
-        WriteFileSafely(file, text);
-    } catch (const std::exception& e) {
-        ui.RuntimeError(e.what());
-    }
+    SaveTextThroughDialog(ui, spec, text, ExistingFile::Refuse);
 }
 
 void LoadIniSettings(HrvForm& f, const fs::path& iniFile) {

@@ -53,6 +53,7 @@ void FillGrid(QTableWidget* g, const std::vector<std::vector<std::string>>& rows
     for (std::size_t r = 0; r < rows.size(); ++r)
         for (std::size_t c = 0; c < rows[r].size(); ++c)
             g->setItem(int(r), int(c), new QTableWidgetItem(Q(rows[r][c])));
+    g->resizeColumnsToContents();
 }
 
 QPrinter& SharedPrinter() {
@@ -164,6 +165,12 @@ void HrvWindow::Run(const std::string& handler) {
     ToForm();
     if (run_) run_(handler);
     FollowForms();
+    // A question of the command came over the main window; this window's command brings it
+    // back in front.
+    if (isVisible()) {
+        raise();
+        activateWindow();
+    }
 }
 
 void HrvWindow::ToForm() {
