@@ -39,6 +39,16 @@ std::int64_t MarkIntervals(Session& s, Test picks, std::int32_t back, std::uint8
     return count;
 }
 
+// A graph whose inner title is its caption.
+GraphModel TitledGraph(const std::string& caption, std::string left, std::string bottom) {
+    GraphModel g;
+    g.Caption = caption;
+    g.GraphTitle = GraphTitleText(caption);
+    g.LeftTitle = std::move(left);
+    g.BottomTitle = std::move(bottom);
+    return g;
+}
+
 std::vector<float> IntervalsOf(const std::vector<Beat>& beats) {
     std::vector<float> rr;
     rr.reserve(beats.size());
@@ -65,11 +75,7 @@ std::optional<std::vector<Beat>> PrepareTachogram(Session& s, const IntervalFilt
 void menu_TachogramPlot(Session& s, const IntervalFilter& filter) {
     const auto beats = PrepareTachogram(s, filter);
     if (!beats) return;
-    GraphModel g;
-    g.Caption = "Tachogram " + s.Label11;
-    g.GraphTitle = GraphTitleText(g.Caption);
-    g.LeftTitle = "RR Interval (msec)";
-    g.BottomTitle = "Beat #";
+    GraphModel g = TitledGraph("Tachogram " + s.Label11, "RR Interval (msec)", "Beat #");
     g.GraphStyle = kStyleLines;
     g.SetPointCount(int(beats->size()));
     for (const Beat& b : *beats) g.AddPoint(float(b.number), b.rr);
@@ -147,11 +153,8 @@ void menu_LorenzPlot(Session& s) {
     const auto beats = PrepareTachogram(s, {});
     if (!beats) return;
     const auto rr = IntervalsOf(*beats);
-    GraphModel g;
-    g.Caption = "Lorenz Plot " + s.Label11;
-    g.GraphTitle = GraphTitleText(g.Caption);
-    g.LeftTitle = "R(i+1)R(i+2) Interval (msec)";
-    g.BottomTitle = "R(i)R(i+1) Interval (msec)";
+    GraphModel g = TitledGraph("Lorenz Plot " + s.Label11, "R(i+1)R(i+2) Interval (msec)",
+                               "R(i)R(i+1) Interval (msec)");
     g.GraphStyle = kStyleScatter;
     g.SetSymbol(1) = kSymbolCircle;
     g.SetPointCount(rr.size() < 2 ? 0 : int(rr.size()) - 1);

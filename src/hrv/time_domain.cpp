@@ -5,6 +5,7 @@
 #include "arrays/numeric_library.h"
 #include "core/ini_file.h"
 #include "core/number_text.h"
+#include "core/settings.h"
 #include "core/text_save.h"
 #include "events/event_list.h"
 
@@ -313,9 +314,15 @@ void LoadIniSettings(HrvForm& f, const fs::path& iniFile) {
     f.Combo3 = read("RRLBound", "10");
     f.Text1 = read("NPointsSeg", "30000");
     f.Combo1 = read("ThreshdeltaRR", "50");
-    // The check boxes hold their value: 0 unchecked, anything else checked.
-    f.Check1 = Val(read("IncludeZero", "0")) != 0;
-    f.Check2 = Val(read("ExcludeLastSeg", "0")) != 0;
+    // A flag the runtime cannot read as a Boolean is an error, never a default.
+    auto flag = [&](std::string_view key) {
+        const std::string text = read(key, "0");
+        if (const auto b = TextToBoolean(text)) return *b;
+        throw SettingsError(std::string(kSection), std::string(key), text,
+                            "is neither \"True\", \"False\" nor a number");
+    };
+    f.Check1 = flag("IncludeZero");
+    f.Check2 = flag("ExcludeLastSeg");
 }
 
 void HRV_Command2(UserDialogs& ui, const HrvForm& f, const fs::path& iniFile) {
@@ -324,10 +331,10 @@ void HRV_Command2(UserDialogs& ui, const HrvForm& f, const fs::path& iniFile) {
         {"RRLBound", f.Combo3},
         {"NPointsSeg", f.Text1},
         {"ThreshdeltaRR", f.Combo1},
-        {"IncludeZero", f.Check1 ? "1" : "0"},
-        {"ExcludeLastSeg", f.Check2 ? "1" : "0"}};
+        {"IncludeZero", FlagText(f.Check1)},
+        {"ExcludeLastSeg", FlagText(f.Check2)}};
     for (const auto& [key, value] : keys) WritePrivateProfileString(kSection, key, value, iniFile);
-    ui.Message("Settings Saved", "The settings are saved into Ardelvan.ini file.");
+    ui.Message(kSettingsSavedTitle, kSettingsSavedText);
 }
 
 }  // namespace ardel::hrv

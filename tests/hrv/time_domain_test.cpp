@@ -9,7 +9,9 @@
 #include <cmath>
 #include <filesystem>
 
+#include "core/ini_file.h"
 #include "core/number_text.h"
+#include "core/settings.h"
 #include "support/scripted_dialogs.h"
 
 namespace ardel::hrv {
@@ -216,6 +218,9 @@ TEST_F(HrvWindow, OptionsRoundTripThroughTheSettingsFile) {
     EXPECT_EQ(fresh.Text1, "250");
     EXPECT_FALSE(fresh.Check1);
     EXPECT_TRUE(fresh.Check2);
+    // A flag that is neither a Boolean nor a number is no default in disguise.
+    WritePrivateProfileString("HRV", "IncludeZero", "maybe", ini);
+    EXPECT_THROW(LoadIniSettings(fresh, ini), SettingsError);
 }
 
 }  // namespace
