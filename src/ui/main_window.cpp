@@ -42,6 +42,7 @@
 #include "script/print_commands.h"
 #include "script/script_runner.h"
 #include "ui/dataanalysis/data_analysis_window.h"
+#include "ui/hrv/hrv_window.h"
 #include "ui/main/array_menus.h"
 #include "ui/criteria/criteria_window.h"
 #include "ui/datinfo/dat_info_dialog.h"
@@ -342,6 +343,7 @@ void Ardelvantine::ShowForms() {
     if (criteria_) criteria_->Show(forms_.criteria);
     if (arrayWindows_) arrayWindows_->FollowForms();
     if (dataAnalysis_) dataAnalysis_->FollowForms();
+    if (hrv_) hrv_->FollowForms();
     if (forms_.criteriaShown) {
         // A menu item asked for the window; it comes forward once.
         forms_.criteriaShown = false;

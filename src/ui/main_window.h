@@ -46,6 +46,7 @@ namespace ardel {
 class CriteriaWindow;
 class ArrayWindows;
 class DataAnalysisWindow;
+class HrvWindows;
 class DatInfoDialog;
 class EventGridModel;
 class EventListPrinter;
@@ -215,6 +216,7 @@ class Ardelvantine : public QMainWindow {
     CriteriaWindow* criteria_ = nullptr;
     std::unique_ptr<ArrayWindows> arrayWindows_;
     DataAnalysisWindow* dataAnalysis_ = nullptr;
+    HrvWindows* hrv_ = nullptr;
 
     int runDepth_ = 0;
     RunKind runKind_ = RunKind::None;

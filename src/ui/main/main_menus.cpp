@@ -35,6 +35,7 @@
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
 #include "ui/dataanalysis/data_analysis_window.h"
+#include "ui/main/hrv_menus.h"
 #include "ui/main/analysis_menus.h"
 #include "ui/main/array_menus.h"
 #include "ui/main/plot_menus.h"
@@ -131,6 +132,7 @@ void Ardelvantine::BuildMenus() {
     AddDataAnalysisItems(tests, run);
     AddCorrelogramItems(arrays, run);
     AddPlotMenu(menuBar(), session_, run);
+    hrv_ = AddHrvMenu(this, forms_, run);
 
     QMenu* help = menuBar()->addMenu("&Help");
     help->setObjectName("menu_Help");
