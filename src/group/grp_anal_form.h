@@ -5,10 +5,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "graph/graph_model.h"
 #include "group/trace_store.h"
 
 namespace ardel::group {
@@ -65,6 +67,9 @@ struct GrpAnalForm {
     std::string Combo20 = "2";             // Yt level (mV)
     std::string Combo13 = "50-90% Rise";   // amperometric rise (kept with the settings)
     std::string Combo15 = "2";             // electrons (kept with the settings)
+    // The two routines' buttons: their captions are the run state ("Interrupt" while running).
+    std::string Command17 = "AP Wave Analysis 1";
+    std::string Command4 = "AP Wave Analysis 2";
 
     // ---- Random walk (kept with the settings) ------------------------------------------
     std::string Combo16 = "Amperometry in Slice";
@@ -78,9 +83,16 @@ struct GrpAnalForm {
     std::string Combo18 = "5";             // consecutive traces to average
     bool Check5 = false;                   // subtract baseline variance
     bool Check6 = false;                   // include offset in fitting
+    std::string Combo21 = "Synaptic Currents";  // recording type
+    bool Check12 = false;                  // auto-rejection by confidence interval
+    std::string Combo30 = "99";            // ... of this many percent
+    std::string Command18 = "Start";       // "Interrupt" while running
+    // The variance-current plot of the last run (also opened as a graph window).
+    std::shared_ptr<GraphModel> Graph1;
 
     // ---- Multi peak tab ----------------------------------------------------------------
     std::string Combo22 = "1";             // points to avoid a duplicate peak
+    std::string Command16 = "Analyze";     // "Interrupt" while running
 };
 
 // What the analyses print over the drawn trace. A redraw loses it, as printing on the picture
