@@ -73,7 +73,7 @@ void MeansAndDeviations(const Session& s, const GrpAnalForm& form, const TraceSt
 }  // namespace
 
 NoiseBins BinNoise(const Session& s, const GrpAnalForm& form, const TraceStore& store,
-                   const std::function<void()>& yield) {
+                   const std::function<bool()>& yield) {
     NoiseBins b;
     const std::int32_t m = store.TraceCount, p = store.TracePoints, last = p - 1;
     const double interval = s.recording.SampleInterval;
@@ -121,7 +121,7 @@ NoiseBins BinNoise(const Session& s, const GrpAnalForm& form, const TraceStore& 
     const double peak = pol * b.PeakAmp;
     std::int32_t iBin = 1, start = b.IPeak;
     for (std::int32_t k = b.IPeak; k <= last; ++k) {
-        if (yield) yield();
+        if (yield && !yield()) break;
         for (std::int32_t j = 1; j <= m; ++j)
             b.PeakSq[std::size_t(j)] = std::max(b.PeakSq[std::size_t(j)], devSq(j, k));
         const double edge = peak * (1.0 - double(iBin) / nb);
@@ -392,7 +392,10 @@ void NonStationaryNoiseAnalysis(Session& s, UserDialogs& ui, GroupWindow& w) {
         return;
     }
     form.Command18 = kInterruptCaption;
-    NoiseBins b = BinNoise(s, form, w.store, [&ui] { ui.Yield(); });
+    NoiseBins b = BinNoise(s, form, w.store, [&] {
+        ui.Yield();
+        return form.Command18 != kNoiseIdle;
+    });
     if (form.Command18 == kNoiseIdle) return;
     form.Command18 = kNoiseIdle;
     // Three parameters need at least three points.

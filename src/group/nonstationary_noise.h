@@ -39,9 +39,10 @@ struct NoiseBins {
 };
 
 // The mean current, the deviations and the binning of the store's traces 1..TraceCount.
-// `yield` is called once per point of the decay.
+// `yield` is called once per point of the decay; binning stops when it returns false (the run
+// was interrupted and its result will not be used).
 NoiseBins BinNoise(const Session& s, const GrpAnalForm& form, const TraceStore& store,
-                   const std::function<void()>& yield);
+                   const std::function<bool()>& yield);
 
 struct ParabolaFit {
     double i = 0, N = 0, Offset = 0;
