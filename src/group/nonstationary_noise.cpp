@@ -242,7 +242,9 @@ ParabolaFit FitParabola(const std::vector<double>& current, const std::vector<do
         const double rtol = 2 * std::abs(y[std::size_t(iHi)] - y[std::size_t(iLo)]) /
                             (std::abs(y[std::size_t(iHi)]) + std::abs(y[std::size_t(iLo)]) + 1e-10);
         if (progress) progress(nfunk, y[std::size_t(iLo)], rtol);
-        if (rtol < ftol || nfunk >= nmax) {
+        // A simplex whose vertices all score alike cannot move any more, whatever the
+        // tolerance asks.
+        if (rtol < ftol || rtol == 0 || nfunk >= nmax) {
             std::swap(y[0], y[std::size_t(iLo)]);
             std::swap(p[0], p[std::size_t(iLo)]);
             break;

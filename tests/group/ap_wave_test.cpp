@@ -11,10 +11,7 @@
 namespace ardel::group {
 namespace {
 
-using ardel::testing::FillStore;
-using ardel::testing::ScaleRecording;
 using ardel::testing::ScriptedDialogs;
-using ardel::testing::ToSamples;
 
 // A synthetic action potential at 20 us a point (mV): rest at 0, a slow depolarising ramp of
 // 0.5 mV/ms from point 150 to the threshold at point 275 (1.25 mV), a half-cosine upstroke to

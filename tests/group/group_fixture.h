@@ -43,3 +43,10 @@ inline void FillStore(group::TraceStore& store, const std::vector<std::vector<st
 }
 
 }  // namespace ardel::testing
+
+// The group analyses' tests live in the engine's namespace and use these by their short names.
+namespace ardel::group {
+using ardel::testing::FillStore;
+using ardel::testing::ScaleRecording;
+using ardel::testing::ToSamples;
+}  // namespace ardel::group

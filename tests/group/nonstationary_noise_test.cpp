@@ -12,10 +12,7 @@
 namespace ardel::group {
 namespace {
 
-using ardel::testing::FillStore;
-using ardel::testing::ScaleRecording;
 using ardel::testing::ScriptedDialogs;
-using ardel::testing::ToSamples;
 
 constexpr int kPoints = 1024;
 
