@@ -3,7 +3,9 @@
 // Controls carry their form names as objectName ("Combo12", "Command17").
 #pragma once
 
+#include <functional>
 #include <string>
+#include <vector>
 
 #include <QWidget>
 
@@ -22,26 +24,30 @@ namespace group {
 struct GrpAnalForm;
 }
 
-// What the tabs share: the form, the run callback, and the guard that keeps widget changes
-// made by Refresh() from being written back.
+// What the tabs share: the form, the run callback, and each control bound to its field, so that
+// Refresh() lets every widget follow the form.
 class WaveTabBase : public QWidget {
     Q_OBJECT
   public:
     WaveTabBase(group::GrpAnalForm& form, RunHandler run, QWidget* parent);
+    // The widgets follow the form (after a command changed it).
+    void Refresh();
 
   protected:
     QLineEdit* Text(const char* name, std::string& field);
     QComboBox* Combo(const char* name, const QStringList& items, std::string& field);
     QCheckBox* Check(const char* name, const QString& caption, bool& field);
-    QPushButton* Button(const char* name, const std::string& handler);
-    void SetText(QLineEdit* edit, const std::string& text);
-    void SetCombo(QComboBox* combo, const std::string& text);
-    void SetCheck(QCheckBox* box, bool value);
+    // A button whose caption is the form's field and that runs the handler.
+    QPushButton* Button(const char* name, const std::string& handler, const std::string& caption);
+    QLabel* Label(const char* name, const std::string& field);
 
     group::GrpAnalForm& form_;
     RunHandler run_;
-    // Set until the derived tab's first Refresh(): filling the lists must not overwrite the
-    // form.
+
+  private:
+    std::vector<std::function<void()>> followers_;
+    // Set while the widgets follow the form, and until the derived tab's first Refresh():
+    // filling the lists must not overwrite the form.
     bool refreshing_ = true;
 };
 
@@ -49,39 +55,18 @@ class ApWaveTab : public WaveTabBase {
     Q_OBJECT
   public:
     ApWaveTab(group::GrpAnalForm& form, RunHandler run, QWidget* parent = nullptr);
-    // The widgets follow the form.
-    void Refresh();
-
-  private:
-    QLineEdit* text6_;
-    QComboBox *combo14_, *combo12_, *combo19_, *combo20_;
-    QCheckBox* check2_;
-    QPushButton *command17_, *command4_;
 };
 
 class NoiseTab : public WaveTabBase {
     Q_OBJECT
   public:
     NoiseTab(group::GrpAnalForm& form, RunHandler run, QWidget* parent = nullptr);
-    void Refresh();
-
-  private:
-    QComboBox *combo21_, *combo18_, *combo30_;
-    QLineEdit* text4_;
-    QCheckBox *check5_, *check6_, *check12_;
-    QPushButton* command18_;
-    QLabel *label10_, *label11_;
 };
 
 class MultiPeakTab : public WaveTabBase {
     Q_OBJECT
   public:
     MultiPeakTab(group::GrpAnalForm& form, RunHandler run, QWidget* parent = nullptr);
-    void Refresh();
-
-  private:
-    QComboBox* combo22_;
-    QPushButton* command16_;
 };
 
 // The group window's menu items of these analyses ("Old AP Wave Analysis", "New AP Wave
