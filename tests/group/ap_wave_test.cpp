@@ -192,13 +192,5 @@ TEST_F(ApWaveTest, BadInputGivesMessagesOrDefinedValues) {
     EXPECT_EQ(s.results.rows.size(), 2u);
 }
 
-TEST(ApDecayPair, PicksTheFractionsByTheText) {
-    EXPECT_EQ(DecayPair("90-50%"), std::make_pair(0, 2));
-    EXPECT_EQ(DecayPair("90-37%"), std::make_pair(0, 3));
-    EXPECT_EQ(DecayPair("80-10%"), std::make_pair(1, 5));
-    EXPECT_EQ(DecayPair("80-0%"), std::make_pair(1, 6));
-    EXPECT_EQ(DecayPair("90-20%"), std::make_pair(0, 4));
-}
-
 }  // namespace
 }  // namespace ardel::group
