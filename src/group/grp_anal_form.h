@@ -5,8 +5,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "graph/graph_model.h"
 #include "group/trace_store.h"
 
 namespace ardel::group {
@@ -63,6 +67,9 @@ struct GrpAnalForm {
     std::string Combo20 = "2";             // Yt level (mV)
     std::string Combo13 = "50-90% Rise";   // amperometric rise (kept with the settings)
     std::string Combo15 = "2";             // electrons (kept with the settings)
+    // The two routines' buttons: their captions are the run state ("Interrupt" while running).
+    std::string Command17 = "AP Wave Analysis 1";
+    std::string Command4 = "AP Wave Analysis 2";
 
     // ---- Random walk (kept with the settings) ------------------------------------------
     std::string Combo16 = "Amperometry in Slice";
@@ -76,15 +83,34 @@ struct GrpAnalForm {
     std::string Combo18 = "5";             // consecutive traces to average
     bool Check5 = false;                   // subtract baseline variance
     bool Check6 = false;                   // include offset in fitting
+    std::string Combo21 = "Synaptic Currents";  // recording type
+    bool Check12 = false;                  // auto-rejection by confidence interval
+    std::string Combo30 = "99";            // ... of this many percent
+    std::string Command18 = "Start";       // "Interrupt" while running
+    // The variance-current plot of the last run (also opened as a graph window).
+    std::shared_ptr<GraphModel> Graph1;
 
     // ---- Multi peak tab ----------------------------------------------------------------
     std::string Combo22 = "1";             // points to avoid a duplicate peak
+    std::string Command16 = "Analyze";     // "Interrupt" while running
+};
+
+// What the analyses print over the drawn trace. A redraw loses it, as printing on the picture
+// did: GroupDisplay clears it before drawing.
+struct GroupOverlay {
+    // Lines of text, from the top left of the drawing area down.
+    std::vector<std::string> text;
+    // "X" marks at (point, sample value) of the picture's scale.
+    std::vector<std::pair<std::int32_t, std::int16_t>> marks;
+    // The fitted curve: store row TraceCount + 1 from point curveFrom to curveTo (-1: none).
+    std::int32_t curveFrom = -1, curveTo = -1;
 };
 
 // What the window holds between commands: its controls and the trace store.
 struct GroupWindow {
     GrpAnalForm form;
     TraceStore store;
+    GroupOverlay overlay;
     bool shown = false;
 };
 

@@ -17,6 +17,7 @@
 #include "script/graph_commands.h"
 #include "script/hrv_commands.h"
 #include "script/script_error.h"
+#include "script/wave_commands.h"
 
 namespace ardel {
 
@@ -31,6 +32,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterGraphCommands(table);
     RegisterCorrelogramCommands(table);
     RegisterHrvCommands(table);
+    RegisterWaveCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -39,6 +41,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterArrayControls(registry, forms);
     RegisterDataAnalysisControls(registry, forms);
     RegisterHrvControls(registry, forms, s);
+    RegisterWaveControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
