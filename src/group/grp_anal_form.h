@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "group/trace_store.h"
 
@@ -81,10 +83,22 @@ struct GrpAnalForm {
     std::string Combo22 = "1";             // points to avoid a duplicate peak
 };
 
+// What the analyses print over the drawn trace. A redraw loses it, as printing on the picture
+// did: GroupDisplay clears it before drawing.
+struct GroupOverlay {
+    // Lines of text, from the top left of the drawing area down.
+    std::vector<std::string> text;
+    // "X" marks at (point, sample value) of the picture's scale.
+    std::vector<std::pair<std::int32_t, std::int16_t>> marks;
+    // The fitted curve: store row TraceCount + 1 from point curveFrom to curveTo (-1: none).
+    std::int32_t curveFrom = -1, curveTo = -1;
+};
+
 // What the window holds between commands: its controls and the trace store.
 struct GroupWindow {
     GrpAnalForm form;
     TraceStore store;
+    GroupOverlay overlay;
     bool shown = false;
 };
 
