@@ -13,6 +13,7 @@
 #include "script/correlogram_commands.h"
 #include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
+#include "script/group_commands.h"
 #include "script/print_commands.h"
 #include "script/graph_commands.h"
 #include "script/script_error.h"
@@ -29,6 +30,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterPrintCommands(table);
     RegisterGraphCommands(table);
     RegisterCorrelogramCommands(table);
+    RegisterGroupCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -36,6 +38,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterCriteriaControls(registry, forms);
     RegisterArrayControls(registry, forms);
     RegisterDataAnalysisControls(registry, forms);
+    RegisterGroupControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
