@@ -1,5 +1,6 @@
 #include "script/group_commands.h"
 
+#include <cmath>
 #include <string>
 
 #include "core/number_text.h"
@@ -52,6 +53,13 @@ void RegisterDisplayTab(CommandTable& t) {
     });
     AddWindowCommand(t, "Check1", "Display cursors", [](CommandContext& c, GroupWindow& w) {
         w.SelectedCursor = 255;
+        // Two cursors on one spot cannot be told apart: shown so, they part to a third and two
+        // thirds of the trace.
+        auto& x = w.form.Line1X;
+        if (w.form.Check1 && x[0] == x[1] && w.store.TracePoints > 0) {
+            x[0] = std::floor(w.store.TracePoints / 3.0);
+            x[1] = std::floor(w.store.TracePoints * 2 / 3.0);
+        }
         w.form.lbCursor = group::CursorReadout(c.session, w);
     });
     for (const char key : kGroupKeys) {
