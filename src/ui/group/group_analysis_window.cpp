@@ -364,6 +364,12 @@ void GroupAnalysisWindow::Refresh() {
 
 void GroupAnalysisWindow::FollowForms() {
     if (window_.shown && !isVisible()) {
+        if (!placed_ && parentWidget()) {
+            // The first time it opens, the window stands centred on the main window.
+            placed_ = true;
+            adjustSize();
+            move(parentWidget()->frameGeometry().center() - rect().center());
+        }
         show();
         raise();
         activateWindow();

@@ -88,6 +88,7 @@ class GroupAnalysisWindow : public QMainWindow {
     QTimer* timer1_ = nullptr;
     bool flash_ = false;
     bool following_ = false;  // widgets being set from the form: no handlers
+    bool placed_ = false;     // centred on the main window once
 };
 
 }  // namespace ardel
