@@ -123,3 +123,41 @@ TEST_F(GroupDisplayTest, SliderMovesTheOffsetByThePixelDifference) {
 
 }  // namespace
 }  // namespace ardel::group
+
+namespace ardel::group {
+namespace {
+
+// Two channels: the cursors read the header's interval (half the channel's), the scale bar the
+// channel's own, and each event's trace comes from its own channel.
+class TwoChannelTest : public testing::GroupFixture {};
+
+TEST_F(TwoChannelTest, CursorsReadHalfTheTimeAndEventsKeepTheirChannel) {
+    std::vector<std::int16_t> a(4000), b(4000);
+    for (int p = 0; p < 4000; ++p) {
+        a[std::size_t(p)] = std::int16_t(p);
+        b[std::size_t(p)] = std::int16_t(-p);
+    }
+    AbfBuildSpec spec = Spec();
+    spec.sampleIntervalUs = 50;  // between multiplexed samples: 100 us a point of a channel
+    spec.units = {"pA", "mV"};
+    spec.scaleFactors = {0.3125f, 0.3125f};
+    testing::AbfFileBuilder builder(spec, {a, b});
+    testing::ScriptedDialogs open;
+    open.ExpectInput("Enter Channel Number", std::nullopt, "0");
+    ASSERT_TRUE(OpenDataFile(s, open, builder.Write(dir / "two.abf")));
+    s.params.PeriodStartBaseline = 1000;
+    w.form.Option2_0 = false;
+    w.form.Option2_1 = true;
+    AddEvent(10.0f).Channel = 1;
+    AddEvent(20.0f);
+    w.PicWidth = 256;
+    ASSERT_TRUE(StartDisplay(s, ui, w));
+    EXPECT_EQ(w.store.At(1, 0), -90);
+    EXPECT_EQ(w.store.At(2, 0), 190);
+    w.form.Line1X = {100, 0};
+    EXPECT_TRUE(CursorReadout(s, w).starts_with("x1:5.000"));  // 100 points are 10 ms
+    EXPECT_EQ(w.scene.timeLabel, "3ms");                         // 25.6 ms / 10
+}
+
+}  // namespace
+}  // namespace ardel::group
