@@ -312,6 +312,20 @@ void GroupDisplay(const Session& s, GroupWindow& w) {
     ++scene.version;
 }
 
+std::string GroupPictureText(const GroupWindow& w) {
+    const GroupScene& scene = w.scene;
+    std::string text = "Rows";
+    for (const std::int32_t row : scene.rows) text += "\t" + CStr(row);
+    text += "\nTime bar\t" + scene.timeLabel + "\nAmplitude bar\t" + scene.amplitudeLabel +
+            "\nSlider1\t" + CStr(w.form.Slider1) + "\n";
+    for (const std::string& line : w.overlay.text) text += "Text\t" + line + "\n";
+    for (const auto& [point, sample] : w.overlay.marks)
+        text += "Mark\t" + CStr(point) + "\t" + CStr(std::int32_t(sample)) + "\n";
+    if (w.overlay.curveFrom >= 0)
+        text += "Curve\t" + CStr(w.overlay.curveFrom) + "\t" + CStr(w.overlay.curveTo) + "\n";
+    return text;
+}
+
 // ---- Cursors -----------------------------------------------------------------------------
 
 void CursorClick(const Session& s, GroupWindow& w, double xPoints) {

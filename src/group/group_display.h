@@ -53,6 +53,11 @@ std::int32_t PixelX(const GroupWindow& w, double point);
 std::vector<PixelPoint> RowPolyline(const GroupWindow& w, std::int32_t row, std::int32_t from,
                                     std::int32_t to);
 
+// What the drawing area shows, as text a script can compare: the rows drawn, the scale bar's
+// labels, Slider1, and what the analyses printed over the picture (text, "X" marks at point
+// and sample, the fitted curve's range).
+std::string GroupPictureText(const GroupWindow& w);
+
 // "Trace:  0 of N" after a Start Display, "Trace: n of N" while stepping.
 std::string Label6Text(std::int32_t trace, std::int32_t count);
 

@@ -159,6 +159,8 @@ void RegisterFormControls(ControlRegistry& r, GroupWindow& w) {
               {ControlKind::TextBox, [&x] { return CStr(x); },
                [&x](std::string_view v) { x = Val(v); }});
     }
+    r.Add("GrpAnal.Picture1",
+          {ControlKind::Grid, [&w] { return group::GroupPictureText(w); }, {}});
     // The trace the right button hit, which the trace menu works on.
     r.Add("GrpAnal.HighlightTrace",
           {ControlKind::TextBox, [&w] { return CStr(w.HighlightTrace); },
