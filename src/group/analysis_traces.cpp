@@ -8,16 +8,12 @@
 
 namespace ardel::group {
 
-bool IsSuperimposeType(std::string_view combo2) {
-    return combo2 == "Superimpose" || combo2 == "Scaled Superimpose";
-}
-
 std::vector<std::int32_t> TracesToAnalyse(const GrpAnalForm& form, const TraceStore& store) {
     std::vector<std::int32_t> traces;
     if (store.Empty() || store.TracePoints < 1) return traces;
     if (IsSuperimposeType(form.Combo2)) {
         for (std::int32_t t = 1; t <= store.TraceCount; ++t) traces.push_back(t);
-    } else if (form.Combo2 == "Individual" || form.Combo2 == "Scaled Individual") {
+    } else if (IsIndividualType(form.Combo2)) {
         traces.push_back(std::clamp(store.CurrentTrace, 0, store.TraceCount));
     } else {
         traces.push_back(0);

@@ -11,15 +11,13 @@
 
 #include "core/result_table.h"
 #include "core/session.h"
+#include "group/group_display.h"
 #include "group/grp_anal_form.h"
 
 namespace ardel::group {
 
 // What a button of a running analysis reads; a click on it then asks the run to stop.
 inline constexpr const char* kInterruptCaption = "Interrupt";
-
-// The display types whose traces lie over each other ("Superimpose", "Scaled Superimpose").
-bool IsSuperimposeType(std::string_view combo2);
 
 // The traces a run visits by the display type: 0 for the average types, CurrentTrace for the
 // individual types, 1..TraceCount for the superimposed types. Empty for an empty store.

@@ -7,6 +7,7 @@
 #include "core/number_text.h"
 #include "detect/digital_filter.h"
 #include "group/analysis_traces.h"
+#include "group/group_display.h"
 
 namespace ardel::group {
 
@@ -371,7 +372,7 @@ void ApWaveAnalysis(Session& s, UserDialogs& ui, GroupWindow& w, ApRoutine routi
         return;
     }
     // The picture is drawn afresh before a run, which loses what the last run printed.
-    w.overlay = {};
+    GroupDisplay(s, w);
     const TraceStore& store = w.store;
     const std::vector<std::int32_t> traces = TracesToAnalyse(form, store);
     if (traces.empty()) return;

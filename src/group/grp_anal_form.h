@@ -6,11 +6,13 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "graph/graph_model.h"
+#include "group/group_scene.h"
 #include "group/trace_store.h"
 
 namespace ardel::group {
@@ -106,12 +108,33 @@ struct GroupOverlay {
     std::int32_t curveFrom = -1, curveTo = -1;
 };
 
+// The window's caption; also the heading of an extracted trace.
+inline constexpr const char* kGrpAnalCaption = "Group Analysis and Curve Fitting";
+
 // What the window holds between commands: its controls and the trace store.
 struct GroupWindow {
     GrpAnalForm form;
     TraceStore store;
     GroupOverlay overlay;
     bool shown = false;
+
+    // ---- Display state -----------------------------------------------------------------
+    // Size of the drawing area in pixels, read once when the window loads.
+    std::int32_t PicWidth = 640;
+    std::int32_t PicHeight = 400;
+    // The cursor being dragged: 0 or 1, 255 for none.
+    std::uint8_t SelectedCursor = 255;
+    // The trace hit by the right mouse button, -1 for none.
+    std::int32_t HighlightTrace = -1;
+    // True while the window loads: Start Display and GroupDisplay do nothing then.
+    bool loading = false;
+    // The window has read its settings (it does so when first used).
+    bool loaded = false;
+    // What GroupDisplay drew last.
+    GroupScene scene;
+    // Values put into controls before the window was first used; they are applied again over
+    // the settings that the first use reads, as if the window had loaded first.
+    std::vector<std::function<void()>> pendingSets;
 };
 
 }  // namespace ardel::group

@@ -7,6 +7,7 @@
 #include "core/number_text.h"
 #include "detect/digital_filter.h"
 #include "group/analysis_traces.h"
+#include "group/group_display.h"
 
 namespace ardel::group {
 
@@ -88,7 +89,7 @@ void AnalyseTrace(Session& s, GroupWindow& w, std::int32_t trace, bool prints) {
 }  // namespace
 
 void MultiPeakAnalysis(Session& s, UserDialogs& ui, GroupWindow& w) {
-    w.overlay = {};
+    GroupDisplay(s, w);
     const std::vector<std::int32_t> traces = TracesToAnalyse(w.form, w.store);
     if (traces.empty()) return;
     const bool prints = w.form.Combo2 == "Average" || w.form.Combo2 == "Individual";

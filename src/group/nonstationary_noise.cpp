@@ -8,6 +8,7 @@
 #include "core/number_text.h"
 #include "graph/graph_sink.h"
 #include "group/analysis_traces.h"
+#include "group/group_display.h"
 
 namespace ardel::group {
 
@@ -387,7 +388,7 @@ void AutoReject(Session& s, UserDialogs& ui, GroupWindow& w, NoiseBins& b) {
 
 void NonStationaryNoiseAnalysis(Session& s, UserDialogs& ui, GroupWindow& w) {
     GrpAnalForm& form = w.form;
-    w.overlay = {};
+    GroupDisplay(s, w);
     if (w.store.Empty() || w.store.TracePoints < 1) return;
     if (w.store.TraceCount < 2) {
         ui.Message(kNoiseTitle, "At least two traces are needed for the variance.");

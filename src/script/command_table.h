@@ -112,8 +112,7 @@ class CommandTable {
 bool RunCommand(CommandContext& c, const CommandEntry& entry);
 
 // What a key runs: the handler of KeyHandlerName (U then redraws), or for the display keys an
-// entry of their own. Nothing for a key whose handler is not in the table (F3 until the group
-// window exists).
+// entry of their own. Nothing for a key whose handler is not in the table.
 std::optional<CommandEntry> KeyEntry(const CommandTable& table, const KeyBinding& binding);
 
 // The handler a key stands for in the main window: "Command1" for F9, "menu_Navigates(3)" for

@@ -13,6 +13,7 @@
 #include "script/correlogram_commands.h"
 #include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
+#include "script/group_commands.h"
 #include "script/print_commands.h"
 #include "script/graph_commands.h"
 #include "script/hrv_commands.h"
@@ -33,6 +34,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterCorrelogramCommands(table);
     RegisterHrvCommands(table);
     RegisterWaveCommands(table);
+    RegisterGroupCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -42,6 +44,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterDataAnalysisControls(registry, forms);
     RegisterHrvControls(registry, forms, s);
     RegisterWaveControls(registry, forms);
+    RegisterGroupControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {

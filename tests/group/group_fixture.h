@@ -1,52 +1,71 @@
-// A session with a known unit scale and a trace store built directly from sample rows, for the
-// group analyses' tests.
+// Synthetic recordings for the group window's tests: every sample tells where it came from,
+// so a cut trace shows the point it started at.
 #pragma once
 
-#include <cmath>
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <vector>
 
+#include "core/abf_files.h"
+#include "core/open_file.h"
 #include "core/session.h"
 #include "group/grp_anal_form.h"
+#include "support/scripted_dialogs.h"
+#include "support/synthetic.h"
 
 namespace ardel::testing {
 
-// 1 sample = 0.01 mV (range 10, resolution 1000, gain 1), no offset.
-inline constexpr double kUnitsPerSample = 0.01;
-
-inline void ScaleRecording(Session& s, float intervalUs) {
-    s.recording.header.fADCRange = 10;
-    s.recording.header.lADCResolution = 1000;
-    s.recording.ChannelGain = 1;
-    s.recording.ChannelOffset = 0;
-    s.recording.SampleInterval = intervalUs;
-    s.recording.ADCUnits = "mV";
-    s.recording.DataFilePath = "cell.abf";
+// Sample of point p: p modulo 1000, so a trace starting at point s reads s % 1000, ...
+inline std::int16_t PointValue(std::int64_t p) {
+    return std::int16_t(p % 1000);
 }
 
-inline std::int16_t ToSamples(double units) {
-    return std::int16_t(std::lround(units / kUnitsPerSample));
-}
+class GroupFixture : public ::testing::Test {
+  protected:
+    TempDir dir;
+    Session s;
+    group::GroupWindow w;
+    ScriptedDialogs ui;
 
-// Rows 1..n from `traces`, row 0 their rounded average, as Start Display leaves the store.
-inline void FillStore(group::TraceStore& store, const std::vector<std::vector<std::int16_t>>& traces) {
-    const std::int32_t n = std::int32_t(traces.size());
-    const std::int32_t points = std::int32_t(traces.front().size());
-    store.Dimension(n, points);
-    for (std::int32_t t = 1; t <= n; ++t)
-        for (std::int32_t k = 0; k < points; ++k) store.At(t, k) = traces[std::size_t(t - 1)][std::size_t(k)];
-    for (std::int32_t k = 0; k < points; ++k) {
-        std::int64_t sum = 0;
-        for (std::int32_t t = 1; t <= n; ++t) sum += store.At(t, k);
-        store.At(0, k) = std::int16_t(std::nearbyint(double(sum) / n));
+    // One channel, 100 us a point, one bit = 1/1024 pA; `points` samples of PointValue.
+    void OpenRamp(std::int64_t points = 20000) {
+        auto samples = std::vector<std::int16_t>(std::size_t(points));
+        for (std::int64_t p = 0; p < points; ++p) samples[std::size_t(p)] = PointValue(p);
+        Open(AbfFileBuilder(Spec(), {samples}));
     }
-}
+
+    static AbfBuildSpec Spec() {
+        AbfBuildSpec spec;
+        spec.sampleIntervalUs = 100;
+        spec.adcRange = 10;
+        spec.scaleFactors = {0.3125f};
+        return spec;
+    }
+
+    void Open(const AbfFileBuilder& b) {
+        ScriptedDialogs open;
+        ASSERT_TRUE(OpenDataFile(s, open, b.Write(dir / "group.abf")));
+        // 1000 us before the peak: 10 points.
+        s.params.PeriodStartBaseline = 1000;
+        w.form.Option2_0 = false;
+        w.form.Option2_1 = true;
+    }
+
+    EventRecord& AddEvent(float timeMs, std::uint8_t group = 1, std::int32_t amplitude = 100,
+                          std::int16_t baseline = 0) {
+        EventRecord& e = s.events.Add();
+        e = EventRecord{};
+        e.Time = timeMs;
+        e.GroupNumber = group;
+        e.Amplitude = amplitude;
+        e.Baseline = baseline;
+        return e;
+    }
+
+    std::vector<std::int16_t> Row(std::int32_t n) const {
+        return {w.store.Row(n), w.store.Row(n) + w.store.TracePoints};
+    }
+};
 
 }  // namespace ardel::testing
-
-// The group analyses' tests live in the engine's namespace and use these by their short names.
-namespace ardel::group {
-using ardel::testing::FillStore;
-using ardel::testing::ScaleRecording;
-using ardel::testing::ToSamples;
-}  // namespace ardel::group

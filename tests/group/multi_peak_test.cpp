@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "group_fixture.h"
+#include "analysis_fixture.h"
 #include "support/scripted_dialogs.h"
 
 namespace ardel::group {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "graph/graph_model.h"
-#include "group_fixture.h"
+#include "analysis_fixture.h"
 #include "support/scripted_dialogs.h"
 
 namespace ardel::group {

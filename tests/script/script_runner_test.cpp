@@ -49,7 +49,6 @@ TEST(ScriptRunner, MalformedLinesStopWithTheirLineNumber) {
         {"do", "t.script:3: do needs a handler\n"},
         {"do menu_Navigates(5)", "t.script:3: unknown handler menu_Navigates(5)\n"},
         {"key F4", "t.script:3: the key \"F4\" has no command\n"},
-        {"key F3", "t.script:3: the key \"F3\" runs menu_AnalyseGp, which is not available\n"},
         {"show Nothing", "t.script:3: unknown control Nothing\n"},
         {"answer", "t.script:3: answer needs a value\n"},
         {"clipboard-from no/such/file", "t.script:3: cannot open no/such/file\n"},

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "group/group_fixture.h"
+#include "group/analysis_fixture.h"
 #include "script/script_runner.h"
 #include "support/scripted_dialogs.h"
 
