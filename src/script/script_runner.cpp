@@ -13,7 +13,9 @@
 #include "script/correlogram_commands.h"
 #include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
+#include "script/fitting_commands.h"
 #include "script/print_commands.h"
+#include "script/results_commands.h"
 #include "script/graph_commands.h"
 #include "script/script_error.h"
 
@@ -29,6 +31,8 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterPrintCommands(table);
     RegisterGraphCommands(table);
     RegisterCorrelogramCommands(table);
+    RegisterFittingCommands(table);
+    RegisterResultsCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -36,6 +40,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterCriteriaControls(registry, forms);
     RegisterArrayControls(registry, forms);
     RegisterDataAnalysisControls(registry, forms);
+    RegisterResultsControls(registry, forms, s);
 }
 
 std::vector<std::string> ScriptNames() {
