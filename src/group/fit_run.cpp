@@ -219,6 +219,13 @@ void RunFit(Session& s, UserDialogs& ui, GroupWindow& w, int index, const FitHoo
     }
 }
 
+// The button back at "Start Fitting" and the progress labels hidden.
+void EndRun(GrpAnalForm& form) {
+    form.Command2 = kStart;
+    form.Label10.clear();
+    form.Label11.clear();
+}
+
 }  // namespace
 
 FitSettings ReadFitSettings(const Session& s, const GrpAnalForm& form) {
@@ -284,6 +291,8 @@ std::vector<TraceFit> FitTraces(const TraceStore& store, std::span<const std::in
 
 void menu_simplex_exp(Session& s, UserDialogs& ui, GroupWindow& w, int index, const FitHooks& hooks) {
     RunFit(s, ui, w, index, hooks, false, -1);
+    // From the menu the run ends idle as from the button.
+    EndRun(w.form);
 }
 
 void GrpAnal_Command2(Session& s, UserDialogs& ui, GroupWindow& w, const FitHooks& hooks) {
@@ -294,9 +303,7 @@ void GrpAnal_Command2(Session& s, UserDialogs& ui, GroupWindow& w, const FitHook
     }
     form.Command2 = kInterrupt;
     RunFit(s, ui, w, std::clamp(ToInt32Clamped(Val(form.Combo9)), 1, 3), hooks, false, -1);
-    form.Command2 = kStart;
-    form.Label10.clear();
-    form.Label11.clear();
+    EndRun(form);
 }
 
 void GrpAnal_Command19(Session& s, UserDialogs& ui, GroupWindow& w, const FitHooks& hooks) {

@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -22,6 +23,25 @@ QLabel* Caption(const char* text) {
 }
 
 }  // namespace
+
+void FillFitMenu(QMenu* menu, const RunHandler& run) {
+    const std::pair<const char*, const char*> entries[] = {
+        {"GrpAnal.menu_simplex_exp(1)", "Fit Decay to 1 Exponential"},
+        {"GrpAnal.menu_simplex_exp(2)", "Fit Decay to 2 Exponentials"},
+        {"GrpAnal.menu_simplex_exp(3)", "Fit Decay to 3 Exponentials"},
+        {"GrpAnal.menu_simplex_User", "Fit to User Defined Function"},
+        {"GrpAnal.menu_extractcurvedata", "Copy Fitted Curve Data"},
+        {"GrpAnal.menu_savecurvedata", "Save Fitted Curve Data..."},
+    };
+    for (const auto& [handler, caption] : entries) {
+        if (std::string_view(handler) == "GrpAnal.menu_extractcurvedata") menu->addSeparator();
+        QAction* a = menu->addAction(caption);
+        a->setObjectName(handler);
+        QObject::connect(a, &QAction::triggered, menu, [run, h = std::string(handler)] {
+            if (run) run(h);
+        });
+    }
+}
 
 FittingTab::FittingTab(group::GrpAnalForm& form, RunHandler run, QWidget* parent)
     : QWidget(parent), form_(form), run_(std::move(run)) {

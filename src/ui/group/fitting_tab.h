@@ -15,6 +15,7 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 
 namespace ardel {
@@ -39,5 +40,8 @@ class FittingTab : public QWidget {
     std::vector<std::function<void()>> refreshers_;
     bool refreshing_ = false;  // widgets being set from the form: no writes back
 };
+
+// The window's fit menu: the three decay fits, the user-defined stub and the curve export.
+void FillFitMenu(QMenu* menu, const RunHandler& run);
 
 }  // namespace ardel

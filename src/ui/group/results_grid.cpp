@@ -115,7 +115,7 @@ ResultsGridWidget::ResultsGridWidget(const Session& session, group::ResultsGrid&
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
     view_->setSelectionMode(QAbstractItemView::SingleSelection);
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    view_->horizontalHeader()->setDefaultSectionSize(72);
+    view_->horizontalHeader()->setDefaultSectionSize(90);
     view_->setColumnWidth(0, 260);
     view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
     view_->setContextMenuPolicy(Qt::CustomContextMenu);
