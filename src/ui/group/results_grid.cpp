@@ -8,6 +8,7 @@
 
 #include "core/number_text.h"
 #include "script/command_table.h"
+#include "ui/print/event_list_printer.h"
 #include "ui/qt_text.h"
 
 namespace ardel {
@@ -102,6 +103,29 @@ void FillResultsPlotMenu(QMenu* menu, const group::ResultsGrid& grid, const RunH
     ColumnMenu(menu, "Frequency Histogram", "GrpAnal.menu_FreqHisto", grid, run, true);
     ColumnMenu(menu, "Cumulative Histogram", "GrpAnal.menu_CumulHisto", grid, run, true);
     ColumnMenu(menu, "Time Course Plot", "GrpAnal.menu_TimeCoursePlot", grid, run, true);
+}
+
+void RegisterResultsPrintCommands(CommandTable& table, const Session& session,
+                                  const group::ResultsGrid& grid, QWidget* parent) {
+    auto printer = std::make_shared<EventListPrinter>(
+        [&session, &grid](int) {
+            PrintedTable t;
+            for (const std::string& caption : grid.captions) t.captions.push_back(Q(caption));
+            for (const ResultRow& row : session.results.rows) {
+                QStringList cells;
+                for (int c = 0; c < group::kGridColumns; ++c) cells.push_back(Q(group::ResultCellText(row, c)));
+                t.rows.push_back(cells);
+            }
+            return t;
+        },
+        "Fitting Results Print Preview", "ResultsPrintPreview");
+    table.Add("GrpAnal.menu_PrintResults", "Print Results", kPlainCommand, [printer](CommandContext& c) {
+        if (!printer->Print(0)) c.ui.Message("Print", "No printer is available.");
+    });
+    table.Add("GrpAnal.menu_preview", "Print Preview", kPlainCommand,
+              [printer, parent](CommandContext&) { printer->Preview(0, parent); });
+    table.Add("GrpAnal.menu_PageSetup", "Page Setup", kPlainCommand,
+              [printer, parent](CommandContext&) { printer->PageSetup(parent); });
 }
 
 ResultsGridWidget::ResultsGridWidget(const Session& session, group::ResultsGrid& grid,

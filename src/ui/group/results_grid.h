@@ -14,6 +14,8 @@ class QTableView;
 
 namespace ardel {
 
+class CommandTable;
+
 class ResultsTableModel;
 
 class ResultsGridWidget : public QWidget {
@@ -37,5 +39,11 @@ class ResultsGridWidget : public QWidget {
 // statistics) and the Plot menu's, built from the grid's captions as each menu opens.
 void FillResultsMenu(QMenu* menu, const group::ResultsGrid& grid, const RunHandler& run);
 void FillResultsPlotMenu(QMenu* menu, const group::ResultsGrid& grid, const RunHandler& run);
+
+// The desktop's own print, preview ("Fitting Results Print Preview") and page setup of the
+// grid, registered over the script's GrpAnal.menu_PrintResults, menu_preview, menu_PageSetup.
+// The session, grid and parent must outlive the table's entries.
+void RegisterResultsPrintCommands(CommandTable& table, const Session& session,
+                                  const group::ResultsGrid& grid, QWidget* parent);
 
 }  // namespace ardel
