@@ -130,6 +130,18 @@ FitPicture MakePicture(const Session& s, const GroupWindow& w, std::int32_t trac
     return p;
 }
 
+// The display draws the fit's picture from the window's overlay where the window has one.
+template <class Window>
+void ToOverlay(Window& w) {
+    if constexpr (requires { w.overlay.text; }) {
+        const FitPicture& p = w.form.Picture;
+        w.overlay.text = p.text;
+        w.overlay.marks = p.marks;
+        w.overlay.curveFrom = p.curveFrom;
+        w.overlay.curveTo = p.curveTo;
+    }
+}
+
 // The store's last row takes the curve; a curve the conversion could not make leaves it.
 void StoreCurve(TraceStore& store, const TraceFit& f) {
     if (f.curve.size() != std::size_t(store.TracePoints) || store.Traces.empty()) return;
@@ -187,7 +199,10 @@ void RunFit(Session& s, UserDialogs& ui, GroupWindow& w, int index, const FitHoo
         }
         carried.Take(fit);
         StoreCurve(w.store, fit);
-        if (drawn) form.Picture = MakePicture(s, w, trace, fit, settings, carried);
+        if (drawn) {
+            form.Picture = MakePicture(s, w, trace, fit, settings, carried);
+            ToOverlay(w);
+        }
         AppendResult(s.results, form.TDBGrid1, MakeRow(s, w, trace, fit, settings, carried));
         SetFittingRunCaptions(form.TDBGrid1);
         if (autoReject && carried.rSquared < minimum) {
