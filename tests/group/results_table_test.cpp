@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "graph/graph_model.h"
 #include "support/scripted_dialogs.h"
 #include "support/synthetic.h"
 
@@ -211,6 +212,40 @@ TEST(ResultsTable, TabCaptionsAndColumnStatistics) {
     EXPECT_EQ(form.ColumnTitles[0], "Amplitude");
     EXPECT_EQ(form.Rows[0][0], "Average");
     EXPECT_EQ(form.Rows[0][1], "2.000");
+}
+
+TEST(ResultsTable, HistogramAndTimeCourseOfAColumn) {
+    Session s;
+    s.recording.ADCUnits = "pA";
+    s.Label11 = "cell.abf";
+    ResultsGrid g;
+    SetResultTab(g, s.results, kTabFitting, s.recording);
+    s.results.rows = {Row("a", 0.5f), Row("b", 1.5f), Row("c", 1.7f), Row("d", 3.0f)};
+    ScriptedDialogs ui;
+    ui.ExpectInput("Bin Size", "Please enter the bin size for Amplitude in pA.", "1");
+    ResultsHistogram(s, ui, g, ResultPlot::Frequency, 1);
+    ASSERT_EQ(s.graphs.size(), 1u);
+    const GraphModel& h = *s.graphs[0];
+    EXPECT_EQ(h.BottomTitle, "Amplitude (pA)");
+    // Bins from 0 (the range always holds 0) to 3: 1, 2, 0, 1.
+    ASSERT_EQ(h.PointCount(), 4);
+    EXPECT_EQ(h.Point(1, 2).y, 2.0f);
+    EXPECT_EQ(h.Point(1, 4).x, 3.0f);
+
+    // Normalised to the mean of the first two rows (1.0), in percent, against the row number.
+    ui.ExpectInput("Number of points to normalize", std::nullopt, "2");
+    ResultsHistogram(s, ui, g, ResultPlot::TimeCourse, 1);
+    const GraphModel& t = *s.graphs[1];
+    EXPECT_EQ(t.BottomTitle, "Event #");
+    EXPECT_NE(t.Caption.find("(Normalized)"), std::string::npos);
+    EXPECT_EQ(t.Point(1, 4).x, 4.0f);
+    EXPECT_FLOAT_EQ(t.Point(1, 4).y, 300.0f);
+
+    // An empty answer, or an array that holds nothing, draws nothing.
+    ui.ExpectInput("Bin Size", std::nullopt, "");
+    ResultsHistogram(s, ui, g, ResultPlot::Cumulative, 1);
+    ResultsHistogram(s, ui, g, ResultPlot::Frequency, kPlotArray1);
+    EXPECT_EQ(s.graphs.size(), 2u);
 }
 
 }  // namespace
