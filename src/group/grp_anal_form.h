@@ -13,6 +13,8 @@
 
 #include "graph/graph_model.h"
 #include "group/group_scene.h"
+#include "group/fit_picture.h"
+#include "group/results_table.h"
 #include "group/trace_store.h"
 
 namespace ardel::group {
@@ -59,6 +61,10 @@ struct GrpAnalForm {
     std::string Command2 = "Start Fitting";
     std::string Label10;
     std::string Label11;
+    // What the last fit drew over the trace.
+    FitPicture Picture;
+    // The results grid under the tabs.
+    ResultsGrid TDBGrid1;
 
     // ---- AP wave analysis tab ----------------------------------------------------------
     std::string Text6;                     // points for smoothing

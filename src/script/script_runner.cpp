@@ -14,7 +14,9 @@
 #include "script/data_analysis_commands.h"
 #include "script/event_list_commands.h"
 #include "script/group_commands.h"
+#include "script/fitting_commands.h"
 #include "script/print_commands.h"
+#include "script/results_commands.h"
 #include "script/graph_commands.h"
 #include "script/hrv_commands.h"
 #include "script/script_error.h"
@@ -35,6 +37,8 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterHrvCommands(table);
     RegisterWaveCommands(table);
     RegisterGroupCommands(table);
+    RegisterFittingCommands(table);
+    RegisterResultsCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -45,6 +49,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterHrvControls(registry, forms, s);
     RegisterWaveControls(registry, forms);
     RegisterGroupControls(registry, forms);
+    RegisterResultsControls(registry, forms, s);
 }
 
 std::vector<std::string> ScriptNames() {

@@ -102,7 +102,14 @@ int PaintTable(QPrinter& printer, const PrintedTable& table) {
     return pages;
 }
 
-EventListPrinter::EventListPrinter(const Session& s) : session_(s) {}
+EventListPrinter::EventListPrinter(const Session& s)
+    : EventListPrinter([&s](int index) { return EventListTable(s, index); }, kPrintPreviewTitle,
+                       "EventsPrintPreview") {}
+
+EventListPrinter::EventListPrinter(std::function<PrintedTable(int)> table, QString previewTitle,
+                                   QString previewName)
+    : table_(std::move(table)), previewTitle_(std::move(previewTitle)),
+      previewName_(std::move(previewName)) {}
 
 EventListPrinter::~EventListPrinter() = default;
 
@@ -118,14 +125,14 @@ QPrinter& EventListPrinter::Printer() {
 
 bool EventListPrinter::Print(int index) {
     QPrinter& printer = Printer();
-    return printer.isValid() && PaintTable(printer, EventListTable(session_, index)) > 0;
+    return printer.isValid() && PaintTable(printer, table_(index)) > 0;
 }
 
 void EventListPrinter::Preview(int index, QWidget* parent) {
     QPrintPreviewDialog dialog(&Printer(), parent);
-    dialog.setObjectName("EventsPrintPreview");
-    dialog.setWindowTitle(kPrintPreviewTitle);
-    const PrintedTable table = EventListTable(session_, index);
+    dialog.setObjectName(previewName_);
+    dialog.setWindowTitle(previewTitle_);
+    const PrintedTable table = table_(index);
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested,
                      [&table](QPrinter* printer) { PaintTable(*printer, table); });
     dialog.exec();

@@ -3,6 +3,7 @@
 // printer, so that the page setup holds for the next print.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QString>
@@ -33,6 +34,10 @@ inline constexpr const char* kPrintPreviewTitle = "Events Data Print Preview";
 class EventListPrinter {
   public:
     explicit EventListPrinter(const Session& s);
+    // Another grid on the same pages (the group window's results): its table by index, and
+    // the preview window's title and object name.
+    EventListPrinter(std::function<PrintedTable(int)> table, QString previewTitle,
+                     QString previewName);
     ~EventListPrinter();
 
     // Prints on the chosen printer at once, without a print dialog. False when there is no
@@ -45,7 +50,9 @@ class EventListPrinter {
   private:
     QPrinter& Printer();
 
-    const Session& session_;
+    std::function<PrintedTable(int)> table_;
+    QString previewTitle_;
+    QString previewName_;
     std::unique_ptr<QPrinter> printer_;
 };
 
