@@ -20,6 +20,11 @@
 namespace ardel::group {
 
 struct GrpAnalForm {
+    // The selected tab of SSTab1, by the window's own numbering: 0 display, 1 curve fitting,
+    // 2 AP wave, 7 non-stationary noise, 8 multi peak (the numbers the results grid's captions
+    // go by).
+    int SSTab1 = 0;
+
     // ---- Display tab -------------------------------------------------------------------
     // Source of the traces: Option2(0) "Episodes", Option2(1) "Group #".
     bool Option2_0 = true;

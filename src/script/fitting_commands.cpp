@@ -13,7 +13,14 @@ group::FitHooks FitHooksFor(CommandContext& c) {
     // Superimpose run, so its traces may be fitted on every core.
     if (c.headless) hooks.threads = int(std::max(1u, std::thread::hardware_concurrency()));
     // The fitting tab comes forward where a window shows it.
-    hooks.selectFittingTab = [&c] { c.ShowForms(); };
+    hooks.selectFittingTab = [&c] {
+        group::GroupWindow& w = c.forms.grpAnal;
+        if (w.form.SSTab1 != group::kTabFitting) {
+            w.form.SSTab1 = group::kTabFitting;
+            group::SetResultTab(w.form.TDBGrid1, c.session.results, w.form.SSTab1, c.session.recording);
+        }
+        c.ShowForms();
+    };
     hooks.groupDisplay = [&c] { group::GroupDisplay(c.session, c.forms.grpAnal); };
     return hooks;
 }

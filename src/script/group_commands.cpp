@@ -207,6 +207,9 @@ void RegisterFormControls(ControlRegistry& r, GroupWindow& w) {
     r.AddCheck("GrpAnal.Check6", f.Check6);
     // Multi peak tab.
     r.AddCombo("GrpAnal.Combo22", f.Combo22);
+    r.AddComboIndex("GrpAnal.SSTab1", f.SSTab1,
+                    {"Display", "Curve Fitting", "AP Wave Analysis", "Amperometric", "ECG",
+                     "Random Walk", "Field EPSP", "Non-Stationary Noise", "Multi Peak"});
 }
 
 }  // namespace
@@ -223,6 +226,11 @@ void RegisterGroupCommands(CommandTable& table) {
     });
     RegisterDisplayTab(table);
     RegisterMenus(table);
+    // A click on a tab: the results grid takes the tab's captions and column names.
+    table.Add("GrpAnal.SSTab1", "Tab", kPlainCommand, [](CommandContext& c) {
+        group::GroupWindow& w = UseGroupWindow(c);
+        group::SetResultTab(w.form.TDBGrid1, c.session.results, w.form.SSTab1, c.session.recording);
+    });
 }
 
 void RegisterGroupControls(ControlRegistry& r, Forms& forms) {

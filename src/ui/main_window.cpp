@@ -42,7 +42,10 @@
 #include "script/print_commands.h"
 #include "script/script_runner.h"
 #include "ui/dataanalysis/data_analysis_window.h"
+#include "ui/group/group_analysis_window.h"
+#include "ui/group/results_grid.h"
 #include "ui/hrv/hrv_window.h"
+#include "ui/main/group_menus.h"
 #include "ui/main/array_menus.h"
 #include "ui/criteria/criteria_window.h"
 #include "ui/datinfo/dat_info_dialog.h"
@@ -148,6 +151,9 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
         this, forms_, [this](const std::string& name) { RunHandler(name); });
     dataAnalysis_ = new DataAnalysisWindow(
         forms_, [this](const std::string& name) { RunHandler(name); }, this);
+    groupWindow_ = CreateGroupAnalysisWindow(
+        session_, forms_, [this](const std::string& name) { RunHandler(name); }, this);
+    RegisterResultsPrintCommands(table_, session_, forms_.grpAnal.form.TDBGrid1, groupWindow_);
     context_->startTimedDisplay = [this](std::int32_t ms) { timer2_->start(ms); };
 
     session_.onDisplay = [this](Session&) { OnDisplay(); };
@@ -344,6 +350,7 @@ void Ardelvantine::ShowForms() {
     if (arrayWindows_) arrayWindows_->FollowForms();
     if (dataAnalysis_) dataAnalysis_->FollowForms();
     if (hrv_) hrv_->FollowForms();
+    if (groupWindow_) groupWindow_->FollowForms();
     if (forms_.criteriaShown) {
         // A menu item asked for the window; it comes forward once.
         forms_.criteriaShown = false;
@@ -614,7 +621,7 @@ bool Ardelvantine::HandleKey(int qtKey, Qt::KeyboardModifiers modifiers) {
     if (key == Key::None) return false;
     const KeyBinding binding = BindingForKey(key, modifiers & Qt::ControlModifier);
     if (binding.command == KeyCommand::None) return false;
-    // A key whose handler is not there yet (F3, the group window) is taken and does nothing.
+    // A key without a handler is taken and does nothing.
     if (const auto entry = KeyEntry(table_, binding))
         RunEntry(*entry, RunKindOf(KeyHandlerName(binding)));
     return true;

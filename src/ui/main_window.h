@@ -47,6 +47,7 @@ class CriteriaWindow;
 class ArrayWindows;
 class DataAnalysisWindow;
 class HrvWindows;
+class GroupAnalysisWindow;
 class DatInfoDialog;
 class EventGridModel;
 class EventListPrinter;
@@ -217,6 +218,7 @@ class Ardelvantine : public QMainWindow {
     std::unique_ptr<ArrayWindows> arrayWindows_;
     DataAnalysisWindow* dataAnalysis_ = nullptr;
     HrvWindows* hrv_ = nullptr;
+    GroupAnalysisWindow* groupWindow_ = nullptr;
 
     int runDepth_ = 0;
     RunKind runKind_ = RunKind::None;

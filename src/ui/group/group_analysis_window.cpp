@@ -81,7 +81,17 @@ GroupAnalysisWindow::GroupAnalysisWindow(Session& session, Forms& forms,
     tabs_ = new QTabWidget;
     tabs_->setObjectName("SSTab1");
     tabs_->addTab(BuildDisplayTab(), "Display");
-    splitter->addWidget(tabs_);
+    auto* top = new QWidget;
+    auto* topLayout = new QHBoxLayout(top);
+    topLayout->setContentsMargins(0, 0, 0, 0);
+    topLayout->addWidget(picturePanel_);
+    topLayout->addWidget(tabs_, 1);
+    splitter->addWidget(top);
+    connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
+        if (following_ || index < 0 || std::size_t(index) >= sstabOfTab_.size()) return;
+        window_.form.SSTab1 = sstabOfTab_[std::size_t(index)];
+        Run("GrpAnal.SSTab1");
+    });
     auto* results = new QWidget;
     resultsHolder_ = new QVBoxLayout(results);
     resultsHolder_->setContentsMargins(0, 0, 0, 0);
@@ -173,7 +183,9 @@ QWidget* GroupAnalysisWindow::BuildDisplayTab() {
     lbCursor_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     left->addWidget(lbCursor_);
     left->addStretch();
-    layout->addLayout(left);
+    // The drawing area stays in view on every tab: the analyses print over the trace.
+    picturePanel_ = new QWidget;
+    picturePanel_->setLayout(left);
 
     auto* right = new QVBoxLayout;
     auto* source = new QGroupBox("Source");
@@ -294,8 +306,13 @@ void GroupAnalysisWindow::BuildMenus() {
     AddHandlerItem(traceMenu_, "&Copy Trace Data", "GrpAnal.menu_trace_extract", run);
 }
 
-void GroupAnalysisWindow::AddTab(QWidget* tab, const QString& title) {
+void GroupAnalysisWindow::AddTab(QWidget* tab, const QString& title, int sstab,
+                                 std::function<void()> refresh) {
+    following_ = true;
     tabs_->addTab(tab, title);
+    following_ = false;
+    sstabOfTab_.push_back(sstab);
+    if (refresh) refreshers_.push_back(std::move(refresh));
 }
 
 void GroupAnalysisWindow::SetResultsGrid(QWidget* grid) {
@@ -358,6 +375,9 @@ void GroupAnalysisWindow::Refresh() {
     label21_->setVisible(individual);
     for (QPushButton* b : ssCommand1_) b->setVisible(individual);
     for (QToolButton* b : spin5_) b->setVisible(individual);
+    for (std::size_t k = 0; k < sstabOfTab_.size(); ++k)
+        if (sstabOfTab_[k] == f.SSTab1 && tabs_->currentIndex() != int(k)) tabs_->setCurrentIndex(int(k));
+    for (const auto& refresh : refreshers_) refresh();
     following_ = false;
     picture_->update();
 }

@@ -8,6 +8,7 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include <QMainWindow>
 
@@ -41,8 +42,11 @@ class GroupAnalysisWindow : public QMainWindow {
     GroupAnalysisWindow(Session& session, Forms& forms, std::function<void(const std::string&)> run,
                         QWidget* parent = nullptr);
 
-    // A further tab of the window, after the display tab.
-    void AddTab(QWidget* tab, const QString& title);
+    // A further tab of the window, after the display tab. sstab is the tab's number as the
+    // form counts it (GrpAnalForm::SSTab1); refresh lets its widgets follow the form.
+    void AddTab(QWidget* tab, const QString& title, int sstab, std::function<void()> refresh);
+    // Lets another part of the window (the results grid) follow the form on every Refresh.
+    void AddRefresher(std::function<void()> refresh) { refreshers_.push_back(std::move(refresh)); }
     // The results grid, below the tabs and visible on every tab. Replaces one set before.
     void SetResultsGrid(QWidget* grid);
     // The widgets follow the form and the picture repaints.
@@ -85,6 +89,9 @@ class GroupAnalysisWindow : public QMainWindow {
     std::array<QPushButton*, 2> ssCommand1_{};
     std::array<QToolButton*, 2> spin5_{};
     QMenu* traceMenu_ = nullptr;
+    QWidget* picturePanel_ = nullptr;
+    std::vector<int> sstabOfTab_{0};  // the form's tab number of each tab, in tab order
+    std::vector<std::function<void()>> refreshers_;
     QTimer* timer1_ = nullptr;
     bool flash_ = false;
     bool following_ = false;  // widgets being set from the form: no handlers

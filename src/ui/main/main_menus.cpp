@@ -35,6 +35,7 @@
 #include "events/event_list.h"
 #include "detect/suggested_parameters.h"
 #include "ui/dataanalysis/data_analysis_window.h"
+#include "ui/main/group_menus.h"
 #include "ui/main/hrv_menus.h"
 #include "ui/main/analysis_menus.h"
 #include "ui/main/array_menus.h"
@@ -101,6 +102,8 @@ void Ardelvantine::BuildMenus() {
     AddAction(analysis, "menu_DoublePeak_Click", "Analyse &Double Peak");
     AddAction(analysis, "menu_ScanDoublePeak", "Scan and Detect Double Peaks");
     AddAction(analysis, "menu_ScanAdjustBaseline", "Scan and Adjust Baseline to Threshold");
+    analysis->addSeparator();
+    AddGroupAnalysisItem(analysis, [this](const std::string& name) { RunHandler(name); });
 
     BuildEventMenus();
 
