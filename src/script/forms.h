@@ -11,6 +11,8 @@
 #include "arrays/statistical_tests.h"
 #include "events/criteria_search.h"
 #include "group/grp_anal_form.h"
+#include "hrv/geometric.h"
+#include "hrv/spectral.h"
 #include "script/main_form.h"
 
 namespace ardel {
@@ -39,6 +41,11 @@ struct Forms {
     bool dataAnalysisShown = false;
     // The group analysis window: its controls and its trace store.
     group::GroupWindow grpAnal;
+    // The spectral and the geometrical heart rate windows; their menu items set the flags.
+    hrv::HrvSpectralForm hrvSpectral;
+    bool hrvSpectralShown = false;
+    hrv::HrvGeoForm hrvGeo;
+    bool hrvGeoShown = false;
 };
 
 }  // namespace ardel

@@ -15,6 +15,7 @@
 #include "script/event_list_commands.h"
 #include "script/print_commands.h"
 #include "script/graph_commands.h"
+#include "script/hrv_spectral_commands.h"
 #include "script/script_error.h"
 
 namespace ardel {
@@ -29,6 +30,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterPrintCommands(table);
     RegisterGraphCommands(table);
     RegisterCorrelogramCommands(table);
+    RegisterHrvSpectralCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -36,6 +38,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterCriteriaControls(registry, forms);
     RegisterArrayControls(registry, forms);
     RegisterDataAnalysisControls(registry, forms);
+    RegisterHrvSpectralControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {
