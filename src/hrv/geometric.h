@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "core/user_dialogs.h"
 #include "graph/graph_model.h"
+#include "hrv/interval_displays.h"
 
 namespace ardel::hrv {
 
@@ -20,10 +21,10 @@ inline constexpr std::string_view kLorenzTitle = "Lorenz Plot";
 struct HrvGeoForm {
     // Combo2 RRUBound, Combo3 RRLBound, Combo1 RRBinSize, Combo4 DeltaRRBinSize.
     HrvGeoSettings options;
-    std::shared_ptr<GraphModel> Graph1 = std::make_shared<GraphModel>();    // RR histogram
-    std::shared_ptr<GraphModel> Graph2 = std::make_shared<GraphModel>();    // delta RR histogram
-    std::shared_ptr<GraphModel> Picture1 = std::make_shared<GraphModel>();  // Lorenz plot
-    std::shared_ptr<GraphModel> Picture2 = std::make_shared<GraphModel>();  // tachogram
+    std::shared_ptr<GraphModel> Graph1 = BlankDisplayPointer("RR Interval Histogram");
+    std::shared_ptr<GraphModel> Graph2 = BlankDisplayPointer("Delta RR Interval Histogram");
+    std::shared_ptr<GraphModel> Picture1 = BlankDisplayPointer(std::string(kLorenzTitle));
+    std::shared_ptr<GraphModel> Picture2 = BlankDisplayPointer("Tachogram");
     bool loaded = false;
 };
 

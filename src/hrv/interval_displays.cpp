@@ -95,6 +95,10 @@ GraphModel BlankDisplay(std::string title) {
     return g;
 }
 
+std::shared_ptr<GraphModel> BlankDisplayPointer(std::string title) {
+    return std::make_shared<GraphModel>(BlankDisplay(std::move(title)));
+}
+
 double AutoXMaximum(const GraphModel& g) {
     if (g.PointCount() == 0 || g.SetCount() == 0) return 0;
     double most = g.Points(1).front().x;
@@ -121,8 +125,8 @@ std::optional<AcceptedIntervals> DrawIntervalDisplays(const Session& s, UserDial
     if (a.rr.size() < 2) {
         // The mean of no interval was a division by zero, and one interval gives no delta and
         // no spectrum worth the name: say so instead of drawing nonsense.
-        ReplaceDisplay(displays.rrHistogram, BlankDisplay("RR Interval"));
-        ReplaceDisplay(displays.deltaHistogram, BlankDisplay("Delta RR Interval"));
+        ReplaceDisplay(displays.rrHistogram, BlankDisplay("RR Interval Histogram"));
+        ReplaceDisplay(displays.deltaHistogram, BlankDisplay("Delta RR Interval Histogram"));
         ReplaceDisplay(displays.tachogram, BlankDisplay("Tachogram"));
         ReplaceDisplay(displays.own, BlankDisplay(std::string(displays.ownTitle)));
         ui.Message(kTooFewTitle, kTooFewText);

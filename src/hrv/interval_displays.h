@@ -3,6 +3,7 @@
 // graph model, so its values are a graph's value text like any graph window's.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -73,6 +74,7 @@ void ReplaceDisplay(GraphModel& display, GraphModel drawn);
 
 // An empty display that shows only its title.
 GraphModel BlankDisplay(std::string title);
+std::shared_ptr<GraphModel> BlankDisplayPointer(std::string title);
 
 // The largest x of the first set, 0 without points: the axis maximum the display shows when
 // the user has set none.

@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "core/user_dialogs.h"
 #include "graph/graph_model.h"
+#include "hrv/interval_displays.h"
 
 namespace ardel::hrv {
 
@@ -31,10 +32,11 @@ struct HrvSpectralForm {
     // Combo2 RRUBound, Combo3 RRLBound, Combo1 RRBinSize, Combo4 DeltaRRBinSize, Combo5
     // Windowing: what the boxes show, which is what Command2 saves.
     HrvSpectralSettings options;
-    std::shared_ptr<GraphModel> Graph1 = std::make_shared<GraphModel>();    // RR histogram
-    std::shared_ptr<GraphModel> Graph2 = std::make_shared<GraphModel>();    // delta RR histogram
-    std::shared_ptr<GraphModel> Picture2 = std::make_shared<GraphModel>();  // tachogram
-    std::shared_ptr<GraphModel> CWGraph1 = std::make_shared<GraphModel>();  // power spectrum
+    // Until the first "Generate Plots" each display shows only its title.
+    std::shared_ptr<GraphModel> Graph1 = BlankDisplayPointer("RR Interval Histogram");
+    std::shared_ptr<GraphModel> Graph2 = BlankDisplayPointer("Delta RR Interval Histogram");
+    std::shared_ptr<GraphModel> Picture2 = BlankDisplayPointer("Tachogram");
+    std::shared_ptr<GraphModel> CWGraph1 = BlankDisplayPointer(std::string(kSpectrumTitle));
     // The form's load has read the settings file.
     bool loaded = false;
 };

@@ -58,6 +58,10 @@ HrvGeoWindow::HrvGeoWindow(Forms& forms, RunByName run, QWidget* parent)
     frames->addWidget(Frame("Delta RR Interval Histogram", graph2_), 0, 1);
     frames->addWidget(Frame("Lorenz Plot", picture1_), 1, 0);
     frames->addWidget(Frame("Tachogram", picture2_), 1, 1);
+    for (int k = 0; k < 2; ++k) {
+        frames->setRowStretch(k, 1);
+        frames->setColumnStretch(k, 1);
+    }
     layout->addLayout(frames, 1);
     setCentralWidget(central);
 

@@ -24,6 +24,8 @@ QPixmap Picture(const GraphModel& g, QSize size) {
     try {
         const std::string bytes = GraphPicture(g, PictureFormat::Png, size);
         picture.loadFromData(reinterpret_cast<const uchar*>(bytes.data()), uint(bytes.size()), "PNG");
+        // The picture comes at twice the pixels: shown at the size asked for, sharp.
+        if (!picture.isNull()) picture.setDevicePixelRatio(double(picture.width()) / size.width());
     } catch (const std::exception&) {
         picture = QPixmap();
     }
@@ -57,6 +59,8 @@ void HrvDisplay::Follow(const std::shared_ptr<GraphModel>& model) {
 
 void HrvDisplay::Draw() {
     if (!model_ || model_->DrawCount() == drawn_) return;
+    // Not laid out yet: the first resize draws it.
+    if (width() < 10 || height() < 10) return;
     drawn_ = model_->DrawCount();
     if (model_->PointCount() == 0) {
         clear();
@@ -110,13 +114,14 @@ void HrvFormWindow::Run(const std::string& handler) {
 
 void HrvFormWindow::FollowForms() {
     if (shown_) {
-        following_ = true;
-        FromForm();
-        following_ = false;
+        // Shown first, so the displays draw at their laid-out size.
         if (!isVisible()) {
             show();
             raise();
         }
+        following_ = true;
+        FromForm();
+        following_ = false;
     } else if (isVisible()) {
         hide();
     }

@@ -90,6 +90,10 @@ HrvSpectralWindow::HrvSpectralWindow(Forms& forms, RunByName run, QWidget* paren
     spins->addStretch();
     spectrum->addLayout(spins);
     displays->addLayout(spectrum, 1, 1);
+    for (int k = 0; k < 2; ++k) {
+        displays->setRowStretch(k, 1);
+        displays->setColumnStretch(k, 1);
+    }
     layout->addLayout(displays, 1);
     setCentralWidget(central);
 
