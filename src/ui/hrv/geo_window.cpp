@@ -46,6 +46,8 @@ HrvGeoWindow::HrvGeoWindow(Forms& forms, RunByName run, QWidget* parent)
     grid->setRowStretch(row, 1);
     connect(generate, &QPushButton::clicked, this, [this] { Run("HRVGeo.Command1"); });
     connect(save, &QPushButton::clicked, this, [this] { Run("HRVGeo.Command2"); });
+    // The options keep their natural width; the displays take the rest.
+    options->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     layout->addWidget(options);
 
     auto displayRun = [this](const std::string& name) { Run(name); };

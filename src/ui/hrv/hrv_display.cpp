@@ -18,18 +18,9 @@ namespace ardel {
 
 namespace {
 
-QPixmap Picture(const GraphModel& g, QSize size) {
-    QPixmap picture;
-    if (size.width() < 10 || size.height() < 10) return picture;
-    try {
-        const std::string bytes = GraphPicture(g, PictureFormat::Png, size);
-        picture.loadFromData(reinterpret_cast<const uchar*>(bytes.data()), uint(bytes.size()), "PNG");
-        // The picture comes at twice the pixels: shown at the size asked for, sharp.
-        if (!picture.isNull()) picture.setDevicePixelRatio(double(picture.width()) / size.width());
-    } catch (const std::exception&) {
-        picture = QPixmap();
-    }
-    return picture;
+QPixmap Picture(const GraphModel& g, QSize size, double pixelRatio) {
+    if (size.width() < 10 || size.height() < 10) return {};
+    return GraphPixmap(g, size, pixelRatio);
 }
 
 }  // namespace
@@ -67,7 +58,7 @@ void HrvDisplay::Draw() {
         setText(Q(model_->GraphTitle));
         return;
     }
-    setPixmap(Picture(*model_, size()));
+    setPixmap(Picture(*model_, size(), devicePixelRatioF()));
 }
 
 void HrvDisplay::resizeEvent(QResizeEvent* event) {
@@ -145,8 +136,9 @@ void PrintDisplays(QWidget* parent, const QString& caption,
     const QSize cell(page.width() / 2, (page.height() - top) / 2);
     for (std::size_t k = 0; k < displays.size() && k < 4; ++k) {
         const QPoint at(int(k % 2) * cell.width(), top + int(k / 2) * cell.height());
-        // Drawn at screen size and scaled to the cell, so texts keep a readable size.
-        const QPixmap picture = Picture(*displays[k], QSize(640, 440));
+        // Drawn at screen size and scaled to the cell, so texts keep a readable size; twice the
+        // pixels keep it sharp on paper.
+        const QPixmap picture = Picture(*displays[k], QSize(640, 440), 2.0);
         if (!picture.isNull()) p.drawPixmap(QRect(at, cell).adjusted(4, 4, -4, -4), picture);
     }
 }

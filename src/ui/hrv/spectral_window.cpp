@@ -66,6 +66,8 @@ HrvSpectralWindow::HrvSpectralWindow(Forms& forms, RunByName run, QWidget* paren
     grid->setRowStretch(row, 1);
     connect(generate, &QPushButton::clicked, this, [this] { Run("HRVSpectral.Command1"); });
     connect(save, &QPushButton::clicked, this, [this] { Run("HRVSpectral.Command2"); });
+    // The options keep their natural width; the displays take the rest.
+    options->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     layout->addWidget(options);
 
     auto displayRun = [this](const std::string& name) { Run(name); };
