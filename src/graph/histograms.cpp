@@ -197,20 +197,6 @@ std::optional<float> AskBinSize(UserDialogs& ui, std::string_view title, const s
     return bin;
 }
 
-// Reports a failed count as the program does; true when the counts are there.
-bool CountOrSay(UserDialogs& ui, std::span<const float> values, float lowest, float highest,
-                float bin, BinCounts& counts) {
-    switch (CountBins(values, lowest, highest, bin, counts)) {
-        case BinResult::Ok: return true;
-        case BinResult::TooManyBins:
-            ui.Message("Too many bins", "Too many bins!  Please readjust the bin size and try again.");
-            return false;
-        case BinResult::SubscriptError: ui.RuntimeError("Subscript out of range"); return false;
-        case BinResult::Overflow: ui.RuntimeError("Overflow"); return false;
-    }
-    return false;
-}
-
 std::span<const float> Values(const Session& s) {
     if (s.HistogramData.size() < 2) return {};
     return std::span<const float>(s.HistogramData).subspan(1);
@@ -314,6 +300,19 @@ BinResult CountBins(std::span<const float> values, float lowest, float highest, 
         return BinResult::TooManyBins;
     }
     return BinResult::Ok;
+}
+
+bool CountOrSay(UserDialogs& ui, std::span<const float> values, float lowest, float highest,
+                float bin, BinCounts& counts) {
+    switch (CountBins(values, lowest, highest, bin, counts)) {
+        case BinResult::Ok: return true;
+        case BinResult::TooManyBins:
+            ui.Message("Too many bins", "Too many bins!  Please readjust the bin size and try again.");
+            return false;
+        case BinResult::SubscriptError: ui.RuntimeError("Subscript out of range"); return false;
+        case BinResult::Overflow: ui.RuntimeError("Overflow"); return false;
+    }
+    return false;
 }
 
 void Histogram(Session& s, UserDialogs& ui, int kind, const SortByTime& sortByTime) {

@@ -82,4 +82,9 @@ enum class BinResult {
 BinResult CountBins(std::span<const float> values, float lowest, float highest, float binSize,
                     BinCounts& out);
 
+// CountBins, with a failure reported as the program does ("Too many bins", or the runtime's
+// subscript error or overflow); true when the counts are there.
+bool CountOrSay(UserDialogs& ui, std::span<const float> values, float lowest, float highest,
+                float bin, BinCounts& counts);
+
 }  // namespace ardel

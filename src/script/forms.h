@@ -13,6 +13,8 @@
 #include "group/grp_anal_form.h"
 #include "hrv/spurious_form.h"
 #include "hrv/time_domain.h"
+#include "hrv/geometric.h"
+#include "hrv/spectral.h"
 #include "script/main_form.h"
 
 namespace ardel {
@@ -49,6 +51,11 @@ struct Forms {
     // The scan for spurious RR intervals.
     hrv::HrvSpuriousForm hrvSpurious;
     bool hrvSpuriousShown = false;
+    // The spectral and the geometrical heart rate windows; their menu items set the flags.
+    hrv::HrvSpectralForm hrvSpectral;
+    bool hrvSpectralShown = false;
+    hrv::HrvGeoForm hrvGeo;
+    bool hrvGeoShown = false;
 };
 
 }  // namespace ardel

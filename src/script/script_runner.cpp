@@ -19,6 +19,7 @@
 #include "script/results_commands.h"
 #include "script/graph_commands.h"
 #include "script/hrv_commands.h"
+#include "script/hrv_spectral_commands.h"
 #include "script/script_error.h"
 #include "script/wave_commands.h"
 
@@ -39,6 +40,7 @@ void RegisterAllCommands(CommandTable& table) {
     RegisterGroupCommands(table);
     RegisterFittingCommands(table);
     RegisterResultsCommands(table);
+    RegisterHrvSpectralCommands(table);
 }
 
 void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session& s) {
@@ -50,6 +52,7 @@ void RegisterAllControls(ControlRegistry& registry, Forms& forms, const Session&
     RegisterWaveControls(registry, forms);
     RegisterGroupControls(registry, forms);
     RegisterResultsControls(registry, forms, s);
+    RegisterHrvSpectralControls(registry, forms);
 }
 
 std::vector<std::string> ScriptNames() {

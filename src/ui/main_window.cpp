@@ -44,7 +44,9 @@
 #include "ui/dataanalysis/data_analysis_window.h"
 #include "ui/group/group_analysis_window.h"
 #include "ui/group/results_grid.h"
+#include "ui/hrv/geo_window.h"
 #include "ui/hrv/hrv_window.h"
+#include "ui/hrv/spectral_window.h"
 #include "ui/main/group_menus.h"
 #include "ui/main/array_menus.h"
 #include "ui/criteria/criteria_window.h"
@@ -151,6 +153,9 @@ Ardelvantine::Ardelvantine(fs::path programDir, UserDialogs* dialogs, QWidget* p
         this, forms_, [this](const std::string& name) { RunHandler(name); });
     dataAnalysis_ = new DataAnalysisWindow(
         forms_, [this](const std::string& name) { RunHandler(name); }, this);
+    hrvSpectral_ = new HrvSpectralWindow(
+        forms_, [this](const std::string& name) { RunHandler(name); }, this);
+    hrvGeo_ = new HrvGeoWindow(forms_, [this](const std::string& name) { RunHandler(name); }, this);
     groupWindow_ = CreateGroupAnalysisWindow(
         session_, forms_, [this](const std::string& name) { RunHandler(name); }, this);
     RegisterResultsPrintCommands(table_, session_, forms_.grpAnal.form.TDBGrid1, groupWindow_);
@@ -350,6 +355,8 @@ void Ardelvantine::ShowForms() {
     if (arrayWindows_) arrayWindows_->FollowForms();
     if (dataAnalysis_) dataAnalysis_->FollowForms();
     if (hrv_) hrv_->FollowForms();
+    if (hrvSpectral_) hrvSpectral_->FollowForms();
+    if (hrvGeo_) hrvGeo_->FollowForms();
     if (groupWindow_) groupWindow_->FollowForms();
     if (forms_.criteriaShown) {
         // A menu item asked for the window; it comes forward once.

@@ -47,6 +47,8 @@ class CriteriaWindow;
 class ArrayWindows;
 class DataAnalysisWindow;
 class HrvWindows;
+class HrvSpectralWindow;
+class HrvGeoWindow;
 class GroupAnalysisWindow;
 class DatInfoDialog;
 class EventGridModel;
@@ -218,6 +220,8 @@ class Ardelvantine : public QMainWindow {
     std::unique_ptr<ArrayWindows> arrayWindows_;
     DataAnalysisWindow* dataAnalysis_ = nullptr;
     HrvWindows* hrv_ = nullptr;
+    HrvSpectralWindow* hrvSpectral_ = nullptr;
+    HrvGeoWindow* hrvGeo_ = nullptr;
     GroupAnalysisWindow* groupWindow_ = nullptr;
 
     int runDepth_ = 0;

@@ -185,6 +185,13 @@ void RenderGraph(QCustomPlot& plot, const GraphModel& g) {
     ResetGraphRanges(plot, g);
 }
 
+QPixmap GraphPixmap(const GraphModel& g, QSize size, double pixelRatio) {
+    QCustomPlot plot;
+    plot.resize(size);
+    RenderGraph(plot, g);
+    return plot.toPixmap(size.width(), size.height(), pixelRatio);
+}
+
 std::string GraphPicture(const GraphModel& g, PictureFormat format, QSize size) {
     QCustomPlot plot;
     plot.resize(size);

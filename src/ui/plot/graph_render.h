@@ -5,6 +5,7 @@
 #include <string>
 
 #include <QColor>
+#include <QPixmap>
 #include <QSize>
 
 #include "graph/graph_model.h"
@@ -26,5 +27,8 @@ void ResetGraphRanges(QCustomPlot& plot, const GraphModel& g);
 // The picture of a graph as file bytes: PNG at twice the size for sharp prints, SVG and PDF as
 // vectors. std::runtime_error with a sentence when the format cannot be written here.
 std::string GraphPicture(const GraphModel& g, PictureFormat format, QSize size = QSize(800, 520));
+// The picture for a widget of the given size, drawn at the screen's pixel ratio: no file format
+// in between, so a window that shows several graphs redraws them quickly.
+QPixmap GraphPixmap(const GraphModel& g, QSize size, double pixelRatio);
 
 }  // namespace ardel
