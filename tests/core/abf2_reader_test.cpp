@@ -61,38 +61,19 @@ TEST_P(TwinTest, HeaderValuesMatchTheConversion) {
     const AbfHeader& b = one.header;
     EXPECT_TRUE(a.HasAbfSignature());
     EXPECT_FLOAT_EQ(a.fFileVersionNumber, 2.9f);
-    EXPECT_EQ(a.nOperationMode, b.nOperationMode);
     EXPECT_EQ(a.lActualAcqLength, b.lActualAcqLength);
-    EXPECT_EQ(a.lActualEpisodes, b.lActualEpisodes);
-    EXPECT_EQ(a.lFileStartDate, b.lFileStartDate);
-    EXPECT_EQ(a.lFileStartTime, b.lFileStartTime);
-    EXPECT_EQ(a.lStopwatchTime, b.lStopwatchTime);
-    EXPECT_EQ(a.nFileType, b.nFileType);
-    EXPECT_EQ(a.nDataFormat, 0);
-    EXPECT_EQ(a.nADCNumChannels, b.nADCNumChannels);
     EXPECT_EQ(a.fADCSampleInterval, b.fADCSampleInterval);
     EXPECT_EQ(a.fSynchTimeUnit, b.fSynchTimeUnit);
-    EXPECT_EQ(a.fSecondsPerRun, b.fSecondsPerRun);
-    EXPECT_EQ(a.lNumSamplesPerEpisode, b.lNumSamplesPerEpisode);
-    EXPECT_EQ(a.lEpisodesPerRun, b.lEpisodesPerRun);
-    EXPECT_EQ(a.lRunsPerTrial, b.lRunsPerTrial);
-    EXPECT_EQ(a.lNumberOfTrials, b.lNumberOfTrials);
-    EXPECT_EQ(a.fADCRange, b.fADCRange);
-    EXPECT_EQ(a.lADCResolution, b.lADCResolution);
     EXPECT_EQ(a.lSynchArraySize, b.lSynchArraySize);
     EXPECT_EQ(a.lNumTagEntries, b.lNumTagEntries);
     EXPECT_EQ(a.nADCSamplingSeq, b.nADCSamplingSeq);
-    EXPECT_EQ(a.CreatorInfo(), b.CreatorInfo());
     // Fields the program never names but a reader of the header expects: pre-trigger samples,
     // the start's milliseconds, the channel names.
-    for (std::size_t at : {142u, 366u}) EXPECT_EQ(ReadI32(a.raw, at) & 0xffff, ReadI32(b.raw, at) & 0xffff) << at;
+    for (std::size_t at : {142u, 366u}) EXPECT_EQ(ReadI16(a.raw, at), ReadI16(b.raw, at)) << at;
     for (int i = 0; i < a.nADCNumChannels; ++i) {
         const std::size_t adc = std::size_t(a.nADCSamplingSeq[std::size_t(i)]);
-        EXPECT_EQ(a.Units(int(adc)), b.Units(int(adc)));
         EXPECT_EQ(std::memcmp(a.raw.data() + 442 + 10 * adc, b.raw.data() + 442 + 10 * adc, 10), 0);
         EXPECT_EQ(a.nTelegraphEnable[adc], b.nTelegraphEnable[adc]);
-        EXPECT_EQ(a.fInstrumentOffset[adc], b.fInstrumentOffset[adc]);
-        EXPECT_EQ(a.fSignalOffset[adc], b.fSignalOffset[adc]);
     }
     // The Synch Array, read where each header says it is.
     FileSource sa(TestDataDir() / GetParam().abf2), sb(TestDataDir() / GetParam().abf1);
@@ -122,6 +103,15 @@ TEST_P(TwinTest, EveryChannelScalesAndReadsLikeTheConversion) {
         EXPECT_EQ(a.ADCUnits, b.ADCUnits);
         EXPECT_EQ(a.SampleInterval, b.SampleInterval);
         EXPECT_EQ(a.TotalBlocks, b.TotalBlocks);
+        // The header window: the same rows but for the versions and the stored autosample gain
+        // (the conversion stored 0, the header built from ABF 2 stores 1).
+        const auto rowsA = DatInfoRows(two), rowsB = DatInfoRows(one);
+        ASSERT_EQ(rowsA.size(), rowsB.size());
+        for (std::size_t k = 0; k < rowsA.size(); ++k) {
+            if (k != 2 && k != 3 && rowsA[k].first != "AutosampleAdditGain ") {
+                EXPECT_EQ(rowsA[k], rowsB[k]) << k;
+            }
+        }
         std::int64_t points = 0;
         const std::int64_t total = a.header.lActualAcqLength / channels;
         for (std::int64_t start = 0; start < total; start += a.ScreenPoints()) {
@@ -210,16 +200,9 @@ TEST(Abf2Reader, BuildsTheHeaderFromTheSections) {
     EXPECT_EQ(h.nAutosampleEnable, 1);
     EXPECT_EQ(h.nAutosampleADCNum, 3);
     EXPECT_EQ(h.fAutosampleAdditGain, 5);
-    EXPECT_EQ(h.lFileStartTime, 3723);
+    EXPECT_EQ(h.lFileStartTime, 3723);  // 01:02:03.456, the milliseconds kept apart
     EXPECT_EQ(ReadI16(h.raw, 366), 456);
     EXPECT_EQ(h.FileComment(), "a comment");
-    EXPECT_EQ(h.CreatorInfo(), "Clampex         ");
-    EXPECT_EQ(h.lActualAcqLength, 6);
-    EXPECT_EQ(h.lDataSectionPtr, 4);
-    EXPECT_EQ(h.lNumTagEntries, 1);
-    EXPECT_EQ(h.lSynchArraySize, 2);
-    EXPECT_EQ(h.nOperationMode, 1);
-    EXPECT_EQ(AbfHeader::FromBytes(h.ToBytes()).ToBytes(), h.ToBytes());
 
     // Opened: tags read, channel 0 is ADC 3 with its telegraphed gain applied once.
     TempDir dir;
