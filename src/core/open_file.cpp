@@ -13,21 +13,13 @@ namespace ardel {
 namespace {
 
 constexpr const char* kInconsistentTitle = "Inconsistent ABF Header";
+constexpr const char* kFloatingPointText =
+    "This ABF file is saved in floating-point format.  Ardelvantine recognizes only the integer "
+    "format.  Please open this file in Axoscope or Clampfit and save as integer format.  Then "
+    "try again.";
 constexpr float kMinSampleIntervalUs = 0.01f;
 // The header bytes that must be in the file: up to the end of fADCSampleInterval.
 constexpr std::uint64_t kHeaderNeeded = abf_offset::fADCSampleInterval + 4;
-
-// Reads the header record from byte 0 and the 34 characters at 2014.
-AbfHeader ReadHeader(const SampleSource& src, std::vector<std::string>& warnings,
-                     const std::string& name) {
-    std::array<std::uint8_t, kAbfHeaderSize> bytes{};
-    src.Read(0, bytes);
-    if (src.Size() < kAbfHeaderSize)
-        warnings.push_back(name + ": the file is only " + std::to_string(src.Size()) +
-                           " bytes long, shorter than the 6144-byte header; the missing bytes "
-                           "read as zeros.");
-    return AbfHeader::FromBytes(bytes);
-}
 
 // Checks that keep a damaged header from taking the program down. The old program had no
 // message for these; it failed with a run-time error instead.
@@ -140,6 +132,45 @@ std::shared_ptr<const SampleSource> OpenSource(const std::filesystem::path& file
 
 }  // namespace
 
+DataFileHeader ReadDataFileHeader(const SampleSource& src, const std::string& name) {
+    DataFileHeader out;
+    std::array<std::uint8_t, kAbfHeaderSize> bytes{};
+    src.Read(0, bytes);
+    out.header = AbfHeader::FromBytes(bytes);
+    if (HasAbf2Signature(std::as_bytes(std::span<const std::uint8_t>(bytes)))) {
+        out.abf2 = true;
+        src.View([&](std::span<const std::byte> file) {
+            Abf2Result read = ReadAbf2Header(file);
+            if (auto* e = std::get_if<Abf2Error>(&read)) {
+                out.abf2Error = std::move(*e);
+                return;
+            }
+            auto& built = std::get<Abf2Header>(read);
+            out.header = built.header;
+            for (const std::string& w : built.warnings) out.warnings.push_back(name + ": " + w + ".");
+        });
+        return out;
+    }
+    if (src.Size() < kAbfHeaderSize)
+        out.warnings.push_back(name + ": the file is only " + std::to_string(src.Size()) +
+                               " bytes long, shorter than the 6144-byte header; the missing bytes "
+                               "read as zeros.");
+    return out;
+}
+
+std::pair<std::string, std::string> Abf2ErrorMessage(const Abf2Error& e, const std::string& name) {
+    switch (e.kind) {
+        case Abf2ErrorKind::FloatingPoint:
+            return {"Not in Integer Format", kFloatingPointText};
+        case Abf2ErrorKind::Unsupported:
+            return {"Unsupported ABF File", "The ABF 2 file " + name + " cannot be opened (byte " +
+                                                std::to_string(e.offset) + "): " + e.what + "."};
+        default:
+            return {kInconsistentTitle, "The ABF 2 file " + name + " cannot be opened (byte " +
+                                            std::to_string(e.offset) + "): " + e.what + "."};
+    }
+}
+
 bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file) {
     Recording& r = s.recording;
     r.DataFilePath = file;
@@ -164,27 +195,26 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
         return false;
     }
     std::string name = file.filename().string();
-    AbfHeader header = ReadHeader(*source, warnings, name);
+    DataFileHeader read = ReadDataFileHeader(*source, name);
+    AbfHeader header = read.header;
+    warnings = std::move(read.warnings);
     std::string sourceName(header.sSourceFileName.data(), header.sSourceFileName.size());
     // A failed open leaves the previous header overwritten, as it always has.
     r.header = header;
 
+    if (read.abf2Error) {
+        const auto [title, text] = Abf2ErrorMessage(*read.abf2Error, name);
+        ui.Message(title, text);
+        r.FileIsOpen = false;
+        return false;
+    }
     if (!header.HasAbfSignature()) {
-        // The newer format is a recording all the same: say why it cannot be read.
-        if (std::string_view(header.lFileSignature.data(), 4) == "ABF2")
-            ui.Message("Not ABF File",
-                       "This is an ABF 2 file.  Ardelvantine reads ABF 1.x files only (header "
-                       "\"ABF \").  Please save the recording as ABF 1.8 and try again.");
-        else
-            ui.Message("Not ABF File", "This is not an Axon Binary File.  Try another file.");
+        ui.Message("Not ABF File", "This is not an Axon Binary File.  Try another file.");
         r.FileIsOpen = false;
         return false;
     }
     if (header.nDataFormat == 1) {
-        ui.Message("Not in Integer Format",
-                   "This ABF file is saved in floating-point format.  Ardelvantine recognizes "
-                   "only the integer format.  Please open this file in Axoscope or Clampfit and "
-                   "save as integer format.  Then try again.");
+        ui.Message("Not in Integer Format", kFloatingPointText);
         r.FileIsOpen = false;
         return false;
     }
@@ -210,8 +240,16 @@ bool OpenDataFile(Session& s, UserDialogs& ui, const std::filesystem::path& file
             return false;
         }
         name = r.DataFilePath.filename().string();
-        header = ReadHeader(*source, warnings, name);
+        read = ReadDataFileHeader(*source, name);
+        header = read.header;
+        warnings.insert(warnings.end(), read.warnings.begin(), read.warnings.end());
         r.header = header;
+        if (read.abf2Error) {
+            const auto [title, text] = Abf2ErrorMessage(*read.abf2Error, name);
+            ui.Message(title, text);
+            r.FileIsOpen = false;
+            return false;
+        }
         if (!header.HasAbfSignature()) {
             ui.Message("Not ABF File", "This is not an Axon Binary File.  Try another file.");
             r.FileIsOpen = false;
@@ -417,12 +455,9 @@ void menu_ExtractSynchArray(Session& s, UserDialogs& ui, SynchTarget target) {
 }
 
 void AttachRecordingFile(Recording& r, std::shared_ptr<const SampleSource> source,
-                         const AbfHeader& header, const std::string& name) {
-    r.warnings.clear();
-    if (source->Size() < kAbfHeaderSize)
-        r.warnings.push_back(name + ": the file is only " + std::to_string(source->Size()) +
-                             " bytes long, shorter than the 6144-byte header; the missing bytes "
-                             "read as zeros.");
+                         const DataFileHeader& read, const std::string& name) {
+    const AbfHeader& header = read.header;
+    r.warnings = read.warnings;
     r.header = header;
     r.source = std::move(source);
     const int channels = std::clamp<int>(header.nADCNumChannels, 1, kAbfMaxChannels);

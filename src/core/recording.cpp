@@ -1,6 +1,7 @@
 #include "core/recording.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,6 +24,10 @@ void MemorySource::Read(std::int64_t offset, std::span<std::uint8_t> dest) const
     std::int64_t to = std::min<std::int64_t>(offset + len, size);
     if (from >= to) return;
     std::memcpy(dest.data() + (from - offset), bytes_.data() + from, std::size_t(to - from));
+}
+
+void MemorySource::View(const std::function<void(std::span<const std::byte>)>& f) const {
+    f(std::as_bytes(std::span<const std::uint8_t>(bytes_)));
 }
 
 FileSource::FileSource(const std::filesystem::path& path) {
@@ -65,6 +70,24 @@ void FileSource::Read(std::int64_t offset, std::span<std::uint8_t> dest) const {
         done += std::size_t(got);
     }
     std::fill(dest.begin() + std::ptrdiff_t(done), dest.end(), std::uint8_t(0));
+}
+
+void FileSource::View(const std::function<void(std::span<const std::byte>)>& f) const {
+    const std::uint64_t size = Size();
+    void* map = size == 0 ? MAP_FAILED : ::mmap(nullptr, std::size_t(size), PROT_READ, MAP_PRIVATE, fd_, 0);
+    if (map == MAP_FAILED) {
+        // Nothing to map (an empty file), or a file system that cannot map: read it instead.
+        std::vector<std::uint8_t> bytes(std::size_t(std::min<std::uint64_t>(size, 1u << 30)));
+        Read(0, bytes);
+        f(std::as_bytes(std::span<const std::uint8_t>(bytes)));
+        return;
+    }
+    struct Unmap {
+        void* p;
+        std::size_t n;
+        ~Unmap() { ::munmap(p, n); }
+    } unmap{map, std::size_t(size)};
+    f(std::span<const std::byte>(static_cast<const std::byte*>(map), std::size_t(size)));
 }
 
 std::int32_t OpenSequenceTotalBlocks(const AbfHeader& h) {

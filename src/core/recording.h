@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,6 +24,9 @@ public:
     virtual std::uint64_t Size() const = 0;
     // Fills dest with the bytes at offset; bytes past the end (or before 0) are zero.
     virtual void Read(std::int64_t offset, std::span<std::uint8_t> dest) const = 0;
+    // Calls f with all the bytes at once, for the readers that follow pointers through a whole
+    // file (ABF 2 headers). A file is mapped read-only for the call, not read.
+    virtual void View(const std::function<void(std::span<const std::byte>)>& f) const = 0;
 };
 
 class MemorySource final : public SampleSource {
@@ -30,6 +34,7 @@ public:
     explicit MemorySource(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
     std::uint64_t Size() const override { return bytes_.size(); }
     void Read(std::int64_t offset, std::span<std::uint8_t> dest) const override;
+    void View(const std::function<void(std::span<const std::byte>)>& f) const override;
 
 private:
     std::vector<std::uint8_t> bytes_;
@@ -44,6 +49,7 @@ public:
     FileSource& operator=(const FileSource&) = delete;
     std::uint64_t Size() const override;
     void Read(std::int64_t offset, std::span<std::uint8_t> dest) const override;
+    void View(const std::function<void(std::span<const std::byte>)>& f) const override;
 
 private:
     int fd_ = -1;

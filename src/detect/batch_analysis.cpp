@@ -129,14 +129,18 @@ BatchReport RunBatch(Session& s, UserDialogs& ui, const std::vector<std::filesys
             out.warnings.push_back(file.filename().string() + ": " + e.code().message() + ".");
             continue;
         }
-        std::array<std::uint8_t, kAbfHeaderSize> bytes{};
-        source->Read(0, bytes);
-        const AbfHeader header = AbfHeader::FromBytes(bytes);
+        const std::string name = file.filename().string();
+        const DataFileHeader read = ReadDataFileHeader(*source, name);
+        const AbfHeader& header = read.header;
+        if (read.abf2Error) {
+            out.status = BatchFileStatus::Unusable;
+            out.warnings.push_back(Abf2ErrorMessage(*read.abf2Error, name).second);
+            continue;
+        }
         if (!header.HasAbfSignature()) {
             out.status = BatchFileStatus::NotAbf;
             continue;
         }
-        const std::string name = file.filename().string();
         if (auto why = UnusableReason(header, r.ChannelIndex); !why.empty()) {
             // The old program read such a file with the buffers of the one before; here it is
             // left out, and the recording stays as it was.
@@ -152,7 +156,7 @@ BatchReport RunBatch(Session& s, UserDialogs& ui, const std::vector<std::filesys
         r.ChannelGain = BatchChannelGain(header, adc);
         r.ChannelOffset = float(double(header.fInstrumentOffset[std::size_t(adc)]) +
                                 double(header.fSignalOffset[std::size_t(adc)]));
-        AttachRecordingFile(r, source, header, name);
+        AttachRecordingFile(r, source, read, name);
         r.TotalBlocks = BatchTotalBlocks(header);
         r.ScreenBlock = header.lDataSectionPtr;
 

@@ -22,6 +22,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using testing::TempDir;
+using testing::TestDataDir;
 
 struct Run {
     int code;
@@ -156,12 +157,12 @@ TEST(CliBadInput, RefusedFilesGiveMessagesAndExitCodes) {
     EXPECT_EQ(r.code, 1);
     EXPECT_THAT(r.err, HasSubstr("Not ABF File: This is not an Axon Binary File.  Try another file."));
 
-    // An ABF2 file starts with "ABF2".
+    // "ABF2" over nothing: the sections are missing.
     std::ofstream(dir / "v2.abf", std::ios::binary) << std::string("ABF2") + std::string(600, '\0');
     r = Cli(dir, {"info", (dir / "v2.abf").string()});
     EXPECT_EQ(r.code, 1);
-    EXPECT_THAT(r.err, HasSubstr("v2.abf: Not ABF File"));
-    EXPECT_THAT(r.err, HasSubstr("is an ABF 2 file"));
+    EXPECT_THAT(r.err, HasSubstr("v2.abf: Inconsistent ABF Header: The ABF 2 file v2.abf cannot be "
+                                 "opened (byte 76): the Protocol section is missing"));
 
     AbfBuildSpec spec;
     AbfHeader h = MakeAbfHeader(spec, 1000);
@@ -236,6 +237,32 @@ TEST(CliInfo, PrintsTheHeaderRows) {
     EXPECT_THAT(r.out, HasSubstr("\nADCSampleInterval \t100\n"));
     EXPECT_THAT(r.out, HasSubstr("\nADCUnits (0) \tpA\n"));
     EXPECT_THAT(r.out, HasSubstr("\nSignalOffset (0 )     \t0\n"));
+}
+
+// The ABF 2 recording and its ABF 1.x conversion print the same rows; only the title, the
+// version numbers and the stored autosample gain tell them apart (the conversion stored 0,
+// which a batch run would multiply every amplitude by; the header built from ABF 2 stores 1).
+TEST(CliInfo, Abf2AndItsConversionPrintTheSameRows) {
+    TempDir dir;
+    for (const char* channel : {"0", "3"}) {
+        auto two = Cli(dir, {"info", (TestDataDir() / "pclamp11_4ch.abf").string(), "--channel", channel});
+        auto one =
+            Cli(dir, {"info", (TestDataDir() / "pclamp11_4ch_abf1.abf").string(), "--channel", channel});
+        ASSERT_EQ(two.code, 0) << two.err;
+        ASSERT_EQ(one.code, 0) << one.err;
+        EXPECT_EQ(two.err, "");
+        const auto a = Lines(two.out), b = Lines(one.out);
+        ASSERT_EQ(a.size(), b.size());
+        EXPECT_EQ(a[0], "DAT File Info:  pclamp11_4ch.abf");
+        for (std::size_t i = 1; i < a.size(); ++i) {
+            if (a[i].starts_with("FileVersionNumber") || a[i].starts_with("HeaderVersionNumber"))
+                EXPECT_EQ(a[i].substr(a[i].find('\t')), "\t2.9");
+            else if (a[i].starts_with("AutosampleAdditGain"))
+                EXPECT_EQ(a[i].substr(a[i].find('\t')), "\t1");
+            else
+                EXPECT_EQ(a[i], b[i]);
+        }
+    }
 }
 
 TEST(CliUsage, MissingArgumentsAreUsageErrors) {

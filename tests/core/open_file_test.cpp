@@ -217,17 +217,6 @@ TEST_F(RealFileTest, InvalidStartDateAndTimeStillOpen) {
     EXPECT_EQ(rows[8].second, "-1");
 }
 
-constexpr const char* kAbf2Text =
-    "This is an ABF 2 file.  Ardelvantine reads ABF 1.x files only (header \"ABF \").  Please "
-    "save the recording as ABF 1.8 and try again.";
-
-TEST_F(RealFileTest, Abf2IsRefusedWithItsReason) {
-    ScriptedDialogs ui;
-    ui.ExpectMessage("Not ABF File", kAbf2Text);
-    EXPECT_FALSE(OpenDataFile(s, ui, Data("pclamp11_4ch.abf")));
-    EXPECT_FALSE(s.recording.FileIsOpen);
-}
-
 TEST_F(RealFileTest, HeaderWindowRowsInOrder) {
     ScriptedDialogs ui;
     ui.ExpectInput(kChannelQuestion, std::nullopt, "1");
@@ -352,9 +341,9 @@ TEST_F(OpenSequenceTest, NotAnAbfFile) {
 }
 
 TEST_F(OpenSequenceTest, TheSignatureMustHoldAbfAndABlank) {
-    for (const char* sig : {"ABF2", " ABF", "abf ", "ABF\0"}) {
+    for (const char* sig : {" ABF", "abf ", "ABF\0"}) {
         ScriptedDialogs ui;
-        ui.ExpectMessage("Not ABF File", std::string_view(sig, 4) == "ABF2" ? kAbf2Text : kNotAbfText);
+        ui.ExpectMessage("Not ABF File", kNotAbfText);
         auto f = MakeFile("sig.abf", 1, 4096,
                           [&](AbfHeader& h) { std::memcpy(h.lFileSignature.data(), sig, 4); });
         EXPECT_FALSE(OpenDataFile(s, ui, f)) << sig;

@@ -132,7 +132,7 @@ TEST_F(DesktopTest, TheFilterWarningComesOncePerCommand) {
     Press(Picture(), Qt::Key_D);
 }
 
-TEST_F(DesktopTest, RefusedFilesLeaveNoStaleNameAndAbf2SaysWhy) {
+TEST_F(DesktopTest, RefusedFilesLeaveNoStaleNameAndABrokenAbf2SaysWhy) {
     AnalyseAll();
     EXPECT_EQ(Find<QLabel>("StatusText")->text(), "5 events.");
     Press(Picture(), Qt::Key_K);
@@ -142,9 +142,9 @@ TEST_F(DesktopTest, RefusedFilesLeaveNoStaleNameAndAbf2SaysWhy) {
     std::copy_n("ABF2", 4, abf2.begin());
     std::ofstream(dir_ / "new.abf", std::ios::binary).write(abf2.data(), std::streamsize(abf2.size()));
     dialogs_.ExpectAsk("Save Previous Event Data", std::nullopt, Answer::No)
-        .ExpectMessage("Not ABF File",
-                       "This is an ABF 2 file.  Ardelvantine reads ABF 1.x files only (header "
-                       "\"ABF \").  Please save the recording as ABF 1.8 and try again.");
+        .ExpectMessage("Inconsistent ABF Header",
+                       "The ABF 2 file new.abf cannot be opened (byte 76): the Protocol section is "
+                       "missing or too short (0 bytes).");
     window_->OpenFileAsClick(dir_ / "new.abf");
     EXPECT_FALSE(S().recording.FileIsOpen);
     EXPECT_EQ(Find<QLabel>("Label11")->text(), "");

@@ -147,18 +147,6 @@ bool WriteText(const std::string& path, const std::string& text, std::ostream& e
     }
 }
 
-// The signature of the newer file format, which the program refuses as "not ABF".
-bool IsAbf2File(const std::string& file) {
-    if (NotARegularFile(file)) return false;
-    std::array<std::uint8_t, 4> sig{};
-    try {
-        FileSource(file).Read(0, sig);
-    } catch (const std::exception&) {
-        return false;
-    }
-    return sig == std::array<std::uint8_t, 4>{'A', 'B', 'F', '2'};
-}
-
 // Opens as a click in the file list does, the channel question answered by --channel.
 bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
                 const std::optional<int>& channel, std::ostream& err) {
@@ -172,11 +160,7 @@ bool OpenForCli(Session& s, CliDialogs& ui, const std::string& file,
     ui.context = [name] { return name; };
     const int messagesBefore = ui.messages;
     if (!OpenDataFile(s, ui, file)) {
-        if (ui.messages == messagesBefore)
-            err << "error: " << file << " could not be opened\n";
-        else if (IsAbf2File(file))
-            err << "error: " << file
-                << " is an ABF 2 file; only ABF 1.x files (header \"ABF \") can be read\n";
+        if (ui.messages == messagesBefore) err << "error: " << file << " could not be opened\n";
         return false;
     }
     for (const std::string& w : s.recording.warnings)
@@ -346,10 +330,7 @@ int RunDesktopBatch(const DetectOptions& o, const std::filesystem::path& program
                 err << name << ": passed over\n";
                 break;
             case BatchFileStatus::NotAbf:
-                err << name
-                    << (IsAbf2File(f.file.string())
-                            ? ": an ABF 2 file, skipped (only ABF 1.x files can be read)\n"
-                            : ": not an ABF file, skipped\n");
+                err << name << ": not an ABF file, skipped\n";
                 status = 1;
                 break;
             case BatchFileStatus::Unreadable:
@@ -476,7 +457,7 @@ int RunCli(int argc, const char* const* argv, std::ostream& out, std::ostream& e
            const std::filesystem::path& programDir) {
     CLI::App app{
         "Ardelvantine command line: header info, event detection and event files of ABF "
-        "1.x recordings",
+        "recordings (1.x and 2)",
         "ardelvantine-cli"};
     app.require_subcommand(1);
 
