@@ -6,6 +6,7 @@
 
 #include "core/number_text.h"
 #include "graph/histograms.h"
+#include "hrv/beat_intervals.h"
 
 namespace ardel::hrv {
 
@@ -49,12 +50,10 @@ bool DrawHistogram(const Session& s, UserDialogs& ui, std::span<const float> val
 
 }  // namespace
 
-AcceptedIntervals AcceptIntervals(const EventTable& events, double upper, double lower) {
-    AcceptedIntervals a;
-    for (std::int32_t i = 2; i <= events.EventCount(); ++i) {
-        const float rr = events[i].Time - events[i - 1].Time;
-        if (!(rr < upper && rr > lower)) continue;
-        a.rr.push_back(rr);
+IntervalSeries AcceptIntervals(const EventTable& events, double upper, double lower) {
+    IntervalSeries a;
+    a.rr = AcceptedIntervals(events, RRBounds{upper, lower});
+    for (float rr : a.rr) {
         a.sum += rr;
         a.highest = std::max(a.highest, rr);
     }
@@ -69,7 +68,7 @@ std::vector<float> SuccessiveDifferences(std::span<const float> rr) {
     return d;
 }
 
-GraphModel TachogramPicture(const AcceptedIntervals& a) {
+GraphModel TachogramPicture(const IntervalSeries& a) {
     GraphModel g;
     g.Caption = "Tachogram";
     g.GraphTitle = "     Tachogram - Mean RR(ms):" + Format(a.Mean(), "###") + " ms";
@@ -117,11 +116,11 @@ void SpinAxisMaximum(GraphModel& g, bool xAxis, bool up) {
     g.Redraw();
 }
 
-std::optional<AcceptedIntervals> DrawIntervalDisplays(const Session& s, UserDialogs& ui,
+std::optional<IntervalSeries> DrawIntervalDisplays(const Session& s, UserDialogs& ui,
                                                       const IntervalOptions& options,
                                                       const IntervalDisplays& displays) {
     if (s.events.EventCount() == 0) return std::nullopt;
-    AcceptedIntervals a = AcceptIntervals(s.events, Val(options.upper), Val(options.lower));
+    IntervalSeries a = AcceptIntervals(s.events, Val(options.upper), Val(options.lower));
     if (a.rr.size() < 2) {
         // The mean of no interval was a division by zero, and one interval gives no delta and
         // no spectrum worth the name: say so instead of drawing nonsense.

@@ -19,7 +19,7 @@ namespace ardel::hrv {
 
 // The intervals within the bounds, in the table's order (no sort: unsorted events give
 // negative intervals, which the bounds then judge like any other).
-struct AcceptedIntervals {
+struct IntervalSeries {
     std::vector<float> rr;  // accepted interval k at rr[k - 1]
     double sum = 0;
     float highest = 0;      // from 0, so never below it
@@ -29,7 +29,7 @@ struct AcceptedIntervals {
 // RR = t(i) - t(i-1) for i = 2..N, kept when lower < RR < upper (both strict). A dropped
 // interval leaves no gap: the next one is again taken from its direct neighbours and moves up
 // one place in the series.
-AcceptedIntervals AcceptIntervals(const EventTable& events, double upper, double lower);
+IntervalSeries AcceptIntervals(const EventTable& events, double upper, double lower);
 
 // The control texts both windows read at the moment of use.
 struct IntervalOptions {
@@ -58,7 +58,7 @@ inline constexpr std::string_view kTooFewText =
 // intervals clear the displays and give kTooFewText; a histogram with too many bins (or a value
 // outside its bins, or a bin size of 0) ends it with the program's message. Returns the
 // accepted intervals when all three displays are drawn.
-std::optional<AcceptedIntervals> DrawIntervalDisplays(const Session& s, UserDialogs& ui,
+std::optional<IntervalSeries> DrawIntervalDisplays(const Session& s, UserDialogs& ui,
                                                       const IntervalOptions& options,
                                                       const IntervalDisplays& displays);
 
@@ -67,7 +67,7 @@ std::vector<float> SuccessiveDifferences(std::span<const float> rr);
 
 // The tachogram: RR against the beat's place in the accepted series, in blue, with the mean in
 // the heading.
-GraphModel TachogramPicture(const AcceptedIntervals& a);
+GraphModel TachogramPicture(const IntervalSeries& a);
 
 // Replaces a display's contents, keeping its draw count rising so a window sees the change.
 void ReplaceDisplay(GraphModel& display, GraphModel drawn);

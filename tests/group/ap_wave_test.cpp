@@ -142,9 +142,11 @@ TEST_F(ApWaveTest, RunWritesRowsTextsAndStopsOnInterrupt) {
     EXPECT_EQ(w.overlay.text[2].substr(0, 32), "Peak Amplitude : 100.00mV    Pos");
     EXPECT_EQ(w.overlay.text[4].substr(0, 24), "AHP Peak : -10.00mV    A");
 
-    // Superimposed: one row per trace, nothing printed; a click on the button during the first
+    // Superimposed: one row per trace, nothing printed (the redraw before the run, which needs
+    // events in the table, loses the last text); a click on the button during the first
     // trace's yield stops the run after it.
     w.form.Combo2 = "Superimpose";
+    if (s.events.Empty()) s.events.Add() = EventRecord{.Time = 1};
     ui.onYield = [&] { ApWaveButton(s, ui, w, ApRoutine::HeavyFiltering); };
     ApWaveAnalysis(s, ui, w, ApRoutine::HeavyFiltering);
     EXPECT_EQ(s.results.rows.size(), 2u);

@@ -58,7 +58,7 @@ inline std::vector<std::int16_t> DecayTrace(std::int32_t points, const std::vect
 }
 
 // A store whose rows 1..n are the traces and row 0 their first one.
-inline void FillStore(group::TraceStore& store, const std::vector<std::vector<std::int16_t>>& traces) {
+inline void FillDecayStore(group::TraceStore& store, const std::vector<std::vector<std::int16_t>>& traces) {
     store.Dimension(std::int32_t(traces.size()), std::int32_t(traces.front().size()));
     for (std::size_t t = 0; t < traces.size(); ++t) {
         std::copy(traces[t].begin(), traces[t].end(), store.Row(std::int32_t(t + 1)));

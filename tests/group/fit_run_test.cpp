@@ -20,7 +20,7 @@ struct Rig {
     ScriptedDialogs ui;
     Rig(const std::vector<std::vector<std::int16_t>>& traces) {
         ardel::testing::SetUpRecording(s);
-        ardel::testing::FillStore(w.store, traces);
+        ardel::testing::FillDecayStore(w.store, traces);
         for (std::size_t n = 1; n <= traces.size(); ++n) {
             EventRecord& e = s.events.Add();
             e.Time = float(100 * n);

@@ -187,7 +187,7 @@ TEST(HRVSpectral, UnsortedBeatsAndPausesFollowTheTableOrder) {
     // A pause of 90 ms within the bounds is one sample like any other, and a beat out of order
     // gives a negative interval that the lower bound drops; the next one moves up a place.
     Session s = Beats({0, 30, 120, 100, 140});
-    const AcceptedIntervals a = AcceptIntervals(s.events, 100, 10);
+    const IntervalSeries a = AcceptIntervals(s.events, 100, 10);
     EXPECT_EQ(a.rr, (std::vector<float>{30, 90, 40}));
     EXPECT_EQ(a.highest, 90.0f);
     EXPECT_DOUBLE_EQ(a.Mean(), 160.0 / 3);

@@ -118,8 +118,9 @@ TEST(GroupWindow, OpensFromTheMenuCutsTheGroupAndDrawsIt) {
     EXPECT_TRUE(rig.Find<QLabel>("lbCursor")->text().startsWith("x1:4.000"));
 
     // The other tabs and the results grid.
-    rig.window->AddTab(new QWidget, "Curve Fitting");
-    EXPECT_EQ(rig.window->Tabs()->count(), 2);
+    const int tabs = rig.window->Tabs()->count();
+    rig.window->AddTab(new QWidget, "Random Walk", 5, {});
+    EXPECT_EQ(rig.window->Tabs()->count(), tabs + 1);
     auto* grid = new QTableWidget(2, 2);
     rig.window->SetResultsGrid(grid);
     EXPECT_TRUE(grid->isVisibleTo(rig.window.get()));

@@ -322,6 +322,8 @@ void GroupAnalysisWindow::SetResultsGrid(QWidget* grid) {
     }
     resultsGrid_ = grid;
     resultsHolder_->addWidget(grid);
+    // A widget added to a shown window stays hidden until told.
+    if (grid) grid->show();
     resultsHolder_->parentWidget()->setVisible(grid != nullptr);
 }
 
