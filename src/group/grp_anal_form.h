@@ -59,8 +59,8 @@ struct GrpAnalForm {
     std::array<std::string, 3> Amp{"100", "50", "25"};
     bool Check16 = false;                  // difference area from the fit
     bool Check13 = false;                  // auto-reject
-    std::string Combo10;                   // minimum R-squared
-    std::string Combo31;                   // compare fits: change in R-squared (%)
+    std::string Combo10 = "0.9";           // minimum R-squared (the first of its list)
+    std::string Combo31 = "1";             // compare fits: change in R-squared (%), second of its list
     bool Check14 = false;                  // regroup two-exponential traces
     std::string Combo32;                   // ... as this group
     std::string Command2 = "Start Fitting";
