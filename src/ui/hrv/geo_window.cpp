@@ -36,19 +36,7 @@ HrvGeoWindow::HrvGeoWindow(Forms& forms, RunByName run, QWidget* parent)
     auto* options = new QGroupBox("Options");
     auto* grid = new QGridLayout(options);
     int row = AddIntervalOptionBoxes(grid, 0, boxes_);
-    auto* generate = new QPushButton("Generate Plots");
-    generate->setObjectName("Command1");
-    generate->setDefault(true);
-    auto* save = new QPushButton("Save Options");
-    save->setObjectName("Command2");
-    grid->addWidget(generate, row++, 0, 1, 3);
-    grid->addWidget(save, row++, 0, 1, 3);
-    grid->setRowStretch(row, 1);
-    connect(generate, &QPushButton::clicked, this, [this] { Run("HRVGeo.Command1"); });
-    connect(save, &QPushButton::clicked, this, [this] { Run("HRVGeo.Command2"); });
-    // The options keep their natural width; the displays take the rest.
-    options->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
-    layout->addWidget(options);
+    AddOptionButtons(layout, options, grid, row, "HRVGeo");
 
     auto displayRun = [this](const std::string& name) { Run(name); };
     graph1_ = new HrvDisplay("Graph1", "HRVGeo.Graph1.", displayRun);

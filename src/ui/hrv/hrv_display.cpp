@@ -4,11 +4,14 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPushButton>
 #include <QTimer>
 
 #include "ui/main/window_helpers.h"
@@ -95,6 +98,23 @@ int AddIntervalOptionBoxes(QGridLayout* grid, int row, IntervalOptionBoxes& boxe
 
 HrvFormWindow::HrvFormWindow(bool& shown, RunByName run, QWidget* parent)
     : QMainWindow(parent), shown_(shown), run_(std::move(run)) {}
+
+void HrvFormWindow::AddOptionButtons(QHBoxLayout* layout, QGroupBox* options, QGridLayout* grid,
+                                     int row, const std::string& form) {
+    auto* generate = new QPushButton("Generate Plots");
+    generate->setObjectName("Command1");
+    generate->setDefault(true);
+    auto* save = new QPushButton("Save Options");
+    save->setObjectName("Command2");
+    grid->addWidget(generate, row++, 0, 1, 3);
+    grid->addWidget(save, row++, 0, 1, 3);
+    grid->setRowStretch(row, 1);
+    connect(generate, &QPushButton::clicked, this, [this, form] { Run(form + ".Command1"); });
+    connect(save, &QPushButton::clicked, this, [this, form] { Run(form + ".Command2"); });
+    // The options keep their natural width; the displays take the rest.
+    options->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    layout->addWidget(options);
+}
 
 void HrvFormWindow::Run(const std::string& handler) {
     if (following_) return;

@@ -18,6 +18,8 @@
 #include "graph/graph_model.h"
 
 class QGridLayout;
+class QGroupBox;
+class QHBoxLayout;
 class QTimer;
 class QWidget;
 
@@ -87,6 +89,11 @@ class HrvFormWindow : public QMainWindow {
     HrvFormWindow(bool& shown, RunByName run, QWidget* parent);
     void closeEvent(QCloseEvent* event) override;
     void Run(const std::string& handler);
+    // "Generate Plots" (form.Command1) and "Save Options" (form.Command2) under the options from
+    // grid row `row`; the options' frame keeps its natural width in `layout`. Returns nothing:
+    // the buttons are the options' last rows.
+    void AddOptionButtons(QHBoxLayout* layout, QGroupBox* options, QGridLayout* grid, int row,
+                          const std::string& form);
     // The widgets' contents into the form, and the widgets and displays from the form.
     virtual void ToForm() = 0;
     virtual void FromForm() = 0;

@@ -56,19 +56,7 @@ HrvSpectralWindow::HrvSpectralWindow(Forms& forms, RunByName run, QWidget* paren
     for (std::string_view name : hrv::kWindowNames) combo5_->addItem(Q(name));
     grid->addWidget(new QLabel("Windowsing Function for FFT"), row, 0);
     grid->addWidget(combo5_, row++, 1);
-    auto* generate = new QPushButton("Generate Plots");
-    generate->setObjectName("Command1");
-    generate->setDefault(true);
-    auto* save = new QPushButton("Save Options");
-    save->setObjectName("Command2");
-    grid->addWidget(generate, row++, 0, 1, 3);
-    grid->addWidget(save, row++, 0, 1, 3);
-    grid->setRowStretch(row, 1);
-    connect(generate, &QPushButton::clicked, this, [this] { Run("HRVSpectral.Command1"); });
-    connect(save, &QPushButton::clicked, this, [this] { Run("HRVSpectral.Command2"); });
-    // The options keep their natural width; the displays take the rest.
-    options->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
-    layout->addWidget(options);
+    AddOptionButtons(layout, options, grid, row, "HRVSpectral");
 
     auto displayRun = [this](const std::string& name) { Run(name); };
     graph1_ = new HrvDisplay("Graph1", "HRVSpectral.Graph1.", displayRun);
