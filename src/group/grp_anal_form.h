@@ -19,6 +19,12 @@
 
 namespace ardel::group {
 
+// The lists of the fitting tab's quality controls. A freshly loaded window selects the first
+// minimum R-squared and the second change in R-squared: with an empty criterion Compare Fits
+// would take any two-exponential fit that is better at all.
+inline const std::vector<std::string> kMinimumRSquaredList{"0.9", "0.8", "0.7", "0.6", "0.5"};
+inline const std::vector<std::string> kRSquaredChangeList{"0.5", "1", "2", "5", "10"};
+
 struct GrpAnalForm {
     // The selected tab of SSTab1, by the window's own numbering: 0 display, 1 curve fitting,
     // 2 AP wave, 7 non-stationary noise, 8 multi peak (the numbers the results grid's captions
@@ -59,8 +65,8 @@ struct GrpAnalForm {
     std::array<std::string, 3> Amp{"100", "50", "25"};
     bool Check16 = false;                  // difference area from the fit
     bool Check13 = false;                  // auto-reject
-    std::string Combo10 = "0.9";           // minimum R-squared (the first of its list)
-    std::string Combo31 = "1";             // compare fits: change in R-squared (%), second of its list
+    std::string Combo10 = kMinimumRSquaredList[0];  // minimum R-squared
+    std::string Combo31 = kRSquaredChangeList[1];   // compare fits: change in R-squared (%)
     bool Check14 = false;                  // regroup two-exponential traces
     std::string Combo32;                   // ... as this group
     std::string Command2 = "Start Fitting";

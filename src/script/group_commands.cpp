@@ -131,8 +131,18 @@ void AddTextArray(ControlRegistry& r, const std::string& name, std::string* fiel
 void RegisterFormControls(ControlRegistry& r, GroupWindow& w) {
     group::GrpAnalForm& f = w.form;
     // Display tab.
-    r.AddCheck("GrpAnal.Option2(0)", f.Option2_0, ControlKind::OptionButton);
-    r.AddCheck("GrpAnal.Option2(1)", f.Option2_1, ControlKind::OptionButton);
+    // The two sources are one option group: choosing one clears the other, as a click does.
+    bool* sources[] = {&f.Option2_0, &f.Option2_1};
+    for (int k = 0; k < 2; ++k) {
+        bool& mine = *sources[k];
+        bool& other = *sources[1 - k];
+        r.Add(IndexedName("GrpAnal.Option2", k),
+              {ControlKind::OptionButton, [&mine] { return mine ? "True" : "False"; },
+               [&mine, &other](std::string_view v) {
+                   mine = CheckValue(v);
+                   if (mine) other = false;
+               }});
+    }
     for (const char* name : {"Combo1", "Combo2", "Combo3", "Combo4", "Combo5", "Combo6", "Combo7"}) {
         std::string* field = nullptr;
         switch (name[5]) {

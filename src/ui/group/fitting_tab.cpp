@@ -79,10 +79,10 @@ FittingTab::FittingTab(group::GrpAnalForm& form, RunHandler run, QWidget* parent
     auto* rg = new QGridLayout(reject);
     rg->addWidget(BindCheck("Check13", "Auto-reject", form_.Check13), 0, 0);
     rg->addWidget(Caption("Minimum R-sqr"), 0, 1);
-    rg->addWidget(BindCombo("Combo10", form_.Combo10, {"0.9", "0.8", "0.7", "0.6", "0.5"}), 0, 2);
+    rg->addWidget(BindCombo("Combo10", form_.Combo10, group::kMinimumRSquaredList), 0, 2);
     rg->addWidget(Button("Command19", "Compare Fits", "GrpAnal.Command19"), 1, 0);
     rg->addWidget(Caption("Criterion: Change in R-sqr (%)"), 1, 1);
-    rg->addWidget(BindCombo("Combo31", form_.Combo31, {"0.5", "1", "2", "5", "10"}), 1, 2);
+    rg->addWidget(BindCombo("Combo31", form_.Combo31, group::kRSquaredChangeList), 1, 2);
     rg->addWidget(BindCheck("Check14", "Regroup for 2- expoential trace", form_.Check14), 2, 0);
     rg->addWidget(Caption("Group #:"), 2, 1);
     std::vector<std::string> groups;
@@ -117,6 +117,9 @@ QComboBox* FittingTab::BindCombo(const char* name, std::string& field,
     c->setObjectName(name);
     c->setEditable(true);
     c->setInsertPolicy(QComboBox::NoInsert);
+    // A combo beside a long caption is squeezed to its arrow unless it asks for room.
+    c->setMinimumContentsLength(3);
+    c->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     for (const auto& item : items) c->addItem(Q(item));
     connect(c, &QComboBox::currentTextChanged, this, [this, &field](const QString& text) {
         if (!refreshing_) field = S(text);

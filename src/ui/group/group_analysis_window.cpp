@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QScreen>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTimer>
@@ -327,6 +328,27 @@ void GroupAnalysisWindow::SetResultsGrid(QWidget* grid) {
     resultsHolder_->parentWidget()->setVisible(grid != nullptr);
 }
 
+void GroupAnalysisWindow::KeepOnScreen() {
+    QWidget* main = parentWidget();
+    QScreen* on = main ? main->screen() : screen();
+    if (!on) return;
+    // Not yet framed by the window manager: the main window's frame stands in for its own.
+    QMargins margins;
+    if (main) {
+        const QRect inner = main->geometry(), outer = main->frameGeometry();
+        margins = QMargins(inner.left() - outer.left(), inner.top() - outer.top(),
+                           outer.right() - inner.right(), outer.bottom() - inner.bottom());
+    }
+    const QRect available = on->availableGeometry();
+    QRect frame = frameGeometry();
+    if (frame == geometry()) frame = QRect(pos(), size().grownBy(margins));
+    if (frame.bottom() > available.bottom()) frame.moveBottom(available.bottom());
+    if (frame.top() < available.top()) frame.moveTop(available.top());
+    if (frame.right() > available.right()) frame.moveRight(available.right());
+    if (frame.left() < available.left()) frame.moveLeft(available.left());
+    if (frame.topLeft() != pos()) move(frame.topLeft());
+}
+
 void GroupAnalysisWindow::ToForm() {
     if (following_) return;
     group::GrpAnalForm& f = window_.form;
@@ -391,6 +413,8 @@ void GroupAnalysisWindow::FollowForms() {
             placed_ = true;
             adjustSize();
             move(parentWidget()->frameGeometry().center() - rect().center());
+            // With the results grid below the tabs the window is larger than the main window.
+            KeepOnScreen();
         }
         show();
         raise();
@@ -400,6 +424,12 @@ void GroupAnalysisWindow::FollowForms() {
         hide();
     }
     Refresh();
+}
+
+void GroupAnalysisWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    // The tabs widen the window once shown; a window grown past the screen's edge moves in.
+    if (isVisible()) KeepOnScreen();
 }
 
 void GroupAnalysisWindow::closeEvent(QCloseEvent* event) {

@@ -49,6 +49,8 @@ class GroupAnalysisWindow : public QMainWindow {
     void AddRefresher(std::function<void()> refresh) { refreshers_.push_back(std::move(refresh)); }
     // The results grid, below the tabs and visible on every tab. Replaces one set before.
     void SetResultsGrid(QWidget* grid);
+    // Moves the window so that its frame lies on the screen where it can.
+    void KeepOnScreen();
     // The widgets follow the form and the picture repaints.
     void Refresh();
     // Shows or hides the window as GroupWindow::shown asks, then Refresh. Call after every
@@ -60,6 +62,7 @@ class GroupAnalysisWindow : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:

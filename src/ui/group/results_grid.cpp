@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -142,6 +143,13 @@ ResultsGridWidget::ResultsGridWidget(const Session& session, group::ResultsGrid&
     view_->horizontalHeader()->setDefaultSectionSize(90);
     view_->setColumnWidth(0, 260);
     view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
+    // Room for the captions and four rows, so that the newest results stay readable below the
+    // drawing area; more rows scroll.
+    constexpr int kRowsInView = 4;
+    view_->setMinimumHeight(view_->horizontalHeader()->sizeHint().height() +
+                            kRowsInView * view_->verticalHeader()->defaultSectionSize() +
+                            view_->horizontalScrollBar()->sizeHint().height() +
+                            2 * view_->frameWidth());
     view_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) {
