@@ -135,6 +135,7 @@ void MeasureSlopeAndWidth(ApMeasurement& m, const Recording& rec, const GrpAnalF
     // Width at a constant above threshold.
     const double level = double(rec.Bit2pA(m.ThreshValue)) + pol * Val(form.Combo14);
     const double levelSamples = LevelInSamples(rec, level);
+    m.WidthLevel = levelSamples;
     for (i = std::max(0, m.ThreshIndex); i <= m.IPeak && i < n; ++i) {
         if (value(i) > pol * level) {
             m.WidthX1 = Crossing(s, i, levelSamples);
@@ -322,6 +323,11 @@ void PrintMeasurement(const Session& s, const GrpAnalForm& form, const TraceStor
     mark(m.SlopeX1);
     mark(m.SlopeX2);
     mark(m.AHPIndex);
+    // The width as a level line between its crossings, the slope as the chord between Yt and Ym.
+    if (m.WidthX2 > m.WidthX1) overlay.lines.push_back({m.WidthX1, m.WidthLevel, m.WidthX2, m.WidthLevel});
+    if (m.SlopeX2 != m.SlopeX1)
+        overlay.lines.push_back({m.SlopeX1, LevelInSamples(rec, Val(form.Combo20)), m.SlopeX2,
+                                 LevelInSamples(rec, Val(form.Combo19))});
 }
 
 void AppendRow(Session& s, const GrpAnalForm& form, const TraceStore& store, std::int32_t trace,

@@ -41,6 +41,7 @@ struct ApMeasurement {
     float Slope = 0, Intercept = 0;
     // Width at Combo14 above threshold: the interpolated crossings and their distance in ms.
     double WidthX1 = 0, WidthX2 = 0;
+    double WidthLevel = 0;  // in samples
     float Width = 0;
     // Forward distances from the peak to each of kApDecayFractions, with the sample found.
     std::array<std::int32_t, 7> decayDistance{};

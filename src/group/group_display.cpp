@@ -323,6 +323,12 @@ std::string GroupPictureText(const GroupWindow& w) {
         text += "Mark\t" + CStr(point) + "\t" + CStr(std::int32_t(sample)) + "\n";
     if (w.overlay.curveFrom >= 0)
         text += "Curve\t" + CStr(w.overlay.curveFrom) + "\t" + CStr(w.overlay.curveTo) + "\n";
+    for (const auto& l : w.overlay.lines)
+        text += "Line\t" + Format(l.x1, "0.00") + "\t" + Format(l.y1, "0.00") + "\t" +
+                Format(l.x2, "0.00") + "\t" + Format(l.y2, "0.00") + "\n";
+    for (const auto& l : w.overlay.labels)
+        text += "Label\t" + CStr(l.point) + "\t" + CStr(std::int32_t(l.sample)) + "\t" + l.text +
+                (l.above ? "\tabove\n" : "\tbelow\n");
     return text;
 }
 

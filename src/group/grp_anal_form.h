@@ -123,6 +123,20 @@ struct GroupOverlay {
     std::vector<std::pair<std::int32_t, std::int16_t>> marks;
     // The fitted curve: store row TraceCount + 1 from point curveFrom to curveTo (-1: none).
     std::int32_t curveFrom = -1, curveTo = -1;
+    // Straight lines from (point, sample value) to (point, sample value), fractional where a
+    // crossing was interpolated: the width and the slope of an action potential.
+    struct Segment {
+        double x1, y1, x2, y2;
+    };
+    std::vector<Segment> lines;
+    // Numbers beside marks: a turning point's ordinal, above a peak and below a trough.
+    struct Label {
+        std::int32_t point;
+        std::int16_t sample;
+        std::string text;
+        bool above;
+    };
+    std::vector<Label> labels;
 };
 
 // The window's caption; also the heading of an extracted trace.

@@ -70,6 +70,7 @@ void AnalyseTrace(Session& s, GroupWindow& w, std::int32_t trace, bool prints) {
         for (std::size_t k = 0; k < points.size(); ++k) {
             const std::int32_t i = std::abs(points[k]);
             w.overlay.marks.emplace_back(i, x[std::size_t(i)]);
+            w.overlay.labels.push_back({i, x[std::size_t(i)], CStr(std::int64_t(k + 1)), points[k] > 0});
             w.overlay.text.push_back(CStr(std::int64_t(k + 1)) + (points[k] > 0 ? " Peak" : " Trough") +
                                      " : " + Format(double(rec.Bit2pA(x[std::size_t(i)])), "#,##0.00") +
                                      rec.ADCUnits + " at " + Format(i * interval / 1000.0, "#0.00") +

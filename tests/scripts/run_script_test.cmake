@@ -5,7 +5,8 @@
 # wrote. The expected files lie in SCRIPT_DIR/NAME.* unless EXPECTED names another prefix.
 # RUN_ARGS puts the script in another program's words (the desktop's "--program-dir;.;--run").
 #   cmake -DCLI=... -DSCRIPT=... -DNAME=... -DDEMO=... -DWORK=... [-DSUBDIR=...]
-#         [-DEXPECTED=...] [-DRUN_ARGS=...] [-DDATA_DIR=...] [-DTEMPLATE=...]
+#         [-DEXPECTED=...] [-DRUN_ARGS=...] [-DDATA_DIR=...] [-DGENERATED_DIR=...]
+#         [-DTEMPLATE=...]
 #         -P run_script_test.cmake
 if(NOT EXPECTED)
   get_filename_component(SCRIPT_DIR ${SCRIPT} DIRECTORY)
@@ -22,11 +23,16 @@ file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${RUN_DIR})
 file(COPY ${DEMO} DESTINATION ${RUN_DIR})
 file(COPY ${SCRIPT} DESTINATION ${RUN_DIR})
-# NAME.data lists recordings of the test data folder that the script opens, one a line.
+# NAME.data lists recordings that the script opens, one a line: from the test data folder, or
+# else from the folder of recordings that the test run generates.
 if(EXISTS ${EXPECTED}.data)
   file(STRINGS ${EXPECTED}.data data_files)
   foreach(f IN LISTS data_files)
-    file(COPY ${DATA_DIR}/${f} DESTINATION ${RUN_DIR})
+    if(EXISTS ${DATA_DIR}/${f})
+      file(COPY ${DATA_DIR}/${f} DESTINATION ${RUN_DIR})
+    else()
+      file(COPY ${GENERATED_DIR}/${f} DESTINATION ${RUN_DIR})
+    endif()
   endforeach()
 endif()
 # The template of new ABF files lies beside the program, here the scratch folder.

@@ -57,6 +57,16 @@ void GroupPicture::Paint(QPainter& p) const {
         const QRect box = metrics.boundingRect("X");
         p.drawText(at.x() - box.width() / 2, at.y() + metrics.ascent() / 2, "X");
     }
+    p.setPen(QPen(Qt::red, 0));
+    for (const auto& l : o.lines)
+        p.drawLine(group::PixelX(w, l.x1), group::CalculateYPosition(w, l.y1), group::PixelX(w, l.x2),
+                   group::CalculateYPosition(w, l.y2));
+    for (const auto& label : o.labels) {
+        const QString text = Q(label.text);
+        const int x = group::PixelX(w, label.point) - metrics.horizontalAdvance(text) / 2;
+        const int y = group::CalculateYPosition(w, label.sample);
+        p.drawText(x, label.above ? y - metrics.ascent() / 2 - 2 : y + metrics.ascent() + 4, text);
+    }
     p.setPen(Qt::black);
     int line = 1;
     for (const std::string& text : o.text) p.drawText(4, metrics.height() * line++, Q(text));
