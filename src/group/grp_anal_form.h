@@ -148,6 +148,8 @@ struct GroupWindow {
     TraceStore store;
     GroupOverlay overlay;
     bool shown = false;
+    // Set by the menu item (F3) that opens the window: an open window comes to the front.
+    bool bringToFront = false;
 
     // ---- Display state -----------------------------------------------------------------
     // Size of the drawing area in pixels, read once when the window loads.

@@ -232,7 +232,9 @@ group::GroupWindow& UseGroupWindow(CommandContext& c) {
 
 void RegisterGroupCommands(CommandTable& table) {
     table.Add("menu_AnalyseGp", "Group Analysis", kPlainCommand, [](CommandContext& c) {
-        UseGroupWindow(c).shown = true;
+        group::GroupWindow& w = UseGroupWindow(c);
+        w.shown = true;
+        w.bringToFront = true;
     });
     RegisterDisplayTab(table);
     RegisterMenus(table);

@@ -407,7 +407,12 @@ void GroupAnalysisWindow::Refresh() {
 }
 
 void GroupAnalysisWindow::FollowForms() {
-    if (window_.shown && !isVisible()) {
+    const bool toFront = window_.bringToFront;
+    window_.bringToFront = false;
+    if (window_.shown && isVisible() && toFront) {
+        raise();
+        activateWindow();
+    } else if (window_.shown && !isVisible()) {
         if (!placed_ && parentWidget()) {
             // The first time it opens, the window stands centred on the main window.
             placed_ = true;
