@@ -9,6 +9,7 @@
 
 #include "core/open_file.h"
 #include "detect/digital_filter.h"
+#include "detect/filter_lanes.h"
 #include "detect/window_analysis.h"
 #include "tools/demo_synth.h"
 
@@ -68,7 +69,30 @@ void NonStopDetection(benchmark::State& state) { Detect(state, false); }
 // As with --filter: every screen is filtered before it is analysed.
 void NonStopDetectionFiltered(benchmark::State& state) { Detect(state, true); }
 
+// One run of the default filter over three screens of 4 Blocks, in the vector unit's lanes.
+void FilterRunInLanes(benchmark::State& state) {
+    const auto filter = ardel::DesignDigitalFilter(4, 20000, 2000);
+    const std::size_t n = std::size_t(state.range(0));
+    auto lanes = ardel::LaneFilter::Make(*filter, n);
+    if (!lanes) {
+        state.SkipWithError("no vector unit for the lanes on this machine");
+        return;
+    }
+    std::vector<std::int16_t> in(n), out(n);
+    for (std::size_t i = 0; i < n; ++i) in[i] = std::int16_t((i * 7919) % 2001) - 1000;
+    std::int64_t refused = 0;
+    for (auto _ : state) {
+        refused += !lanes->Run(in, out);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.counters["points_per_s"] =
+        benchmark::Counter(double(state.iterations()) * double(n), benchmark::Counter::kIsRate);
+    state.counters["lanes"] = lanes->Lanes();
+    state.counters["refused"] = double(refused);
+}
+
 }  // namespace
 
+BENCHMARK(FilterRunInLanes)->Arg(3 * 1024)->Arg(3 * 16384);
 BENCHMARK(NonStopDetection)->Arg(10)->Arg(60)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(NonStopDetectionFiltered)->Arg(10)->Unit(benchmark::kMillisecond)->UseRealTime();

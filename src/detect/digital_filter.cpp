@@ -10,6 +10,7 @@
 #include <liquid/liquid.h>
 
 #include "core/number_text.h"
+#include "detect/filter_lanes.h"
 
 namespace ardel {
 
@@ -176,6 +177,13 @@ struct DesignCache {
     int type = -1;
     double fs = 0, fc = 0;
     std::optional<IirFilter> filter;
+    // The lanes' plan for runs of lanesRun points, and the run's points going in and out.
+    bool useLanes = true;
+    bool lanesTried = false;
+    std::size_t lanesRun = 0;
+    std::unique_ptr<LaneFilter> lanes;
+    std::vector<std::int16_t> run;
+    std::vector<std::int16_t> filtered;
 };
 
 // The cascade run over a stream one sample at a time, all sections at once: each sample goes
@@ -222,8 +230,18 @@ struct FixedStream {
     }
 };
 
-// One run over the active channel of previous, current and next. The points past what a
-// buffer holds read as 0 going in; a filtered value there that is not 0 extends the buffer.
+// Sets point i of a buffer that holds fewer points than its screen: a filtered value that is
+// not 0 extends the buffer (with zeros up to it), as the zero-filled buffer would show it.
+void PutBeyondHeld(std::vector<std::int16_t>& b, std::size_t i, std::size_t points,
+                   std::size_t stride, std::size_t ch, std::int16_t v) {
+    if (v == 0) return;
+    if (b.size() < (i + 1) * stride)
+        b.resize(std::min(points, std::max(i + 1, 2 * (b.size() / stride))) * stride, 0);
+    b[i * stride + ch] = v;
+}
+
+// One run over the active channel of previous, current and next, a point at a time. The points
+// past what a buffer holds read as 0 going in.
 template <typename Stream>
 void RunOverScreens(Recording& rec, Stream& stream) {
     const std::size_t points = std::size_t(rec.ScreenPoints());
@@ -237,16 +255,52 @@ void RunOverScreens(Recording& rec, Stream& stream) {
             // A value beyond 16 bits leaves the sample as it was.
             if (auto v = ToInt16(stream.Next(data[i * stride + ch]))) data[i * stride + ch] = *v;
         }
-        for (; i < points; ++i) {
-            const auto v = ToInt16(stream.Next(0.0));
-            if (!v || *v == 0) continue;
-            if (b->size() < (i + 1) * stride) {
-                b->resize(std::min(points, std::max(i + 1, 2 * (b->size() / stride))) * stride, 0);
-                data = b->data();
-            }
-            data[i * stride + ch] = *v;
-        }
+        for (; i < points; ++i)
+            if (const auto v = ToInt16(stream.Next(0.0))) PutBeyondHeld(*b, i, points, stride, ch, *v);
     }
+}
+
+// The same run through the vector unit's lanes. False, with the buffers untouched, where the
+// lanes leave the run to the one-pass filter.
+bool RunInLanes(Recording& rec, DesignCache& cache) {
+    const std::size_t points = std::size_t(rec.ScreenPoints());
+    const std::size_t stride = std::size_t(rec.Stride());
+    const std::size_t ch = rec.ChannelIndex;
+    const std::array<std::vector<std::int16_t>*, 3> buffers = {
+        &rec.PreviousScreen, &rec.CurrentScreen, &rec.NextScreen};
+    for (const auto* b : buffers)
+        if (b->size() / stride > points) return false;
+    if (!cache.lanesTried || cache.lanesRun != 3 * points) {
+        cache.lanesTried = true;
+        cache.lanesRun = 3 * points;
+        cache.lanes = LaneFilter::Make(*cache.filter, 3 * points);
+    }
+    if (!cache.lanes) return false;
+
+    cache.run.assign(3 * points, 0);
+    for (std::size_t k = 0; k < 3; ++k) {
+        const std::int16_t* data = buffers[k]->data();
+        const std::size_t held = buffers[k]->size() / stride;
+        std::int16_t* to = cache.run.data() + k * points;
+        if (stride == 1)
+            std::copy(data, data + held, to);
+        else
+            for (std::size_t i = 0; i < held; ++i) to[i] = data[i * stride + ch];
+    }
+    cache.filtered.resize(3 * points);
+    if (!cache.lanes->Run(cache.run, cache.filtered)) return false;
+
+    for (std::size_t k = 0; k < 3; ++k) {
+        std::vector<std::int16_t>& b = *buffers[k];
+        const std::int16_t* from = cache.filtered.data() + k * points;
+        const std::size_t held = b.size() / stride;
+        if (stride == 1)
+            std::copy(from, from + held, b.data());
+        else
+            for (std::size_t i = 0; i < held; ++i) b[i * stride + ch] = from[i];
+        for (std::size_t i = held; i < points; ++i) PutBeyondHeld(b, i, points, stride, ch, from[i]);
+    }
+    return true;
 }
 
 void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
@@ -261,11 +315,14 @@ void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
         cache.fs = fs;
         cache.fc = fc;
         cache.filter = DesignDigitalFilter(s.options.FilterType, fs, fc);
+        cache.lanes.reset();
+        cache.lanesTried = false;
     }
     if (!cache.filter) return;  // the buffers stay as read
 
     // One run over previous, current and next: the screen shown has a screen of run-in
     // before it.
+    if (cache.useLanes && RunInLanes(rec, cache)) return;
     if (cache.filter->sections.size() == 4) {
         FixedStream<4> stream;
         std::copy(cache.filter->sections.begin(), cache.filter->sections.end(), stream.q.begin());
@@ -279,7 +336,9 @@ void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
 }  // namespace
 
 void DigitalFilter(Session& s, UserDialogs& ui) {
+    // A single run: the lanes' plan and trial would cost more than they save.
     DesignCache cache;
+    cache.useLanes = false;
     FilterScreens(s, ui, cache);
 }
 

@@ -12,6 +12,7 @@
 
 #include <liquid/liquid.h>
 
+#include "core/number_text.h"
 #include "core/open_file.h"
 #include "detect/window_analysis.h"
 #include "support/scripted_dialogs.h"
@@ -235,6 +236,38 @@ TEST_F(FilterSessionTest, FiltersTheActiveChannelOfThreeScreensAsOneRunOnlyForAP
         EXPECT_EQ(s.recording.CurrentScreen, plain.recording.CurrentScreen) << text;
     }
     EXPECT_TRUE(ui.Done());
+}
+
+TEST_F(FilterSessionTest, TheLastScreenRunsOnIntoTheZerosPastTheFile) {
+    // 5000 points: the screen of points 4096-5119 holds 904 of them, the next screen none. The
+    // filter's output past the file is written into the buffers where it is not 0.
+    const auto trace = testing::MakeTrace(5000, 300, {{4500, -2000.0, 8, 60}}, 40);
+    const fs::path file = testing::WriteAbf(dir / "short.abf", AbfBuildSpec{}, {trace});
+    ASSERT_TRUE(OpenDataFile(s, ui, file));
+    InstallDigitalFilter(s, ui);
+    s.recording.ScreenBlock = 12;
+    Display(s);
+    s.recording.ScreenBlock = 16;
+    Session plain = s;
+    Display(plain);
+    ASSERT_EQ(s.recording.ScreenPoints(), 1024);
+    s.options.FilterOn = true;
+    s.options.FilterType = 4;
+    s.options.FilterFreq = "1500";
+    Display(s);
+
+    std::vector<double> run;
+    for (std::int32_t i = -1024; i < 2048; ++i) run.push_back(plain.recording.GetSampleValue(i));
+    std::vector<double> filtered = run;
+    DesignDigitalFilter(4, 20000, 1500)->Apply(filtered);
+    for (std::int32_t i = -1024; i < 2048; ++i) {
+        const std::size_t k = std::size_t(i + 1024);
+        const double expected = ToInt16(filtered[k]).value_or(std::int16_t(run[k]));
+        ASSERT_EQ(s.recording.GetSampleValue(i), expected) << i;
+    }
+    // Past the file the trace decays towards 0 from the baseline of 300.
+    EXPECT_NE(s.recording.GetSampleValue(904), 0);
+    EXPECT_NE(s.recording.GetSampleValue(1024), 0);
 }
 
 TEST(FilteredDetection, NarrowSpikesVanishUnderALowPassWhileTheEventStays) {
