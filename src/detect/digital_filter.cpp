@@ -218,16 +218,7 @@ template <std::size_t N>
 struct FixedStream {
     std::array<Biquad, N> q;
     std::array<double, 2 * N> st{};
-    double Next(double x) {
-        for (std::size_t k = 0; k < N; ++k) {
-            const double in = x;
-            const double y = q[k].b0 * in + st[2 * k];
-            st[2 * k] = q[k].b1 * in - q[k].a1 * y + st[2 * k + 1];
-            st[2 * k + 1] = q[k].b2 * in - q[k].a2 * y;
-            x = y;
-        }
-        return x;
-    }
+    double Next(double x) { return CascadePoint(q, st, x); }
 };
 
 // Sets point i of a buffer that holds fewer points than its screen: a filtered value that is

@@ -33,6 +33,20 @@ struct Biquad {
     double b0 = 1, b1 = 0, b2 = 0, a1 = 0, a2 = 0;
 };
 
+// One point through a cascade of N sections in transposed direct form II; state holds two
+// values a section. The arithmetic of every run of the screen filter.
+template <std::size_t N>
+double CascadePoint(const std::array<Biquad, N>& q, std::array<double, 2 * N>& state, double x) {
+    for (std::size_t k = 0; k < N; ++k) {
+        const double in = x;
+        const double y = q[k].b0 * in + state[2 * k];
+        state[2 * k] = q[k].b1 * in - q[k].a1 * y + state[2 * k + 1];
+        state[2 * k + 1] = q[k].b2 * in - q[k].a2 * y;
+        x = y;
+    }
+    return x;
+}
+
 // A filter as a cascade of second-order sections.
 struct IirFilter {
     std::vector<Biquad> sections;

@@ -20,19 +20,6 @@ constexpr double kMaxMargin = 1e-4;
 // A pole at this radius takes a thousand points to fall to 1/e.
 constexpr double kMaxPoleRadius = 0.999;
 
-// One point of the cascade in the one-pass run's arithmetic: st holds the two state values of
-// each section.
-double Step(const std::array<Biquad, 4>& q, std::array<double, 8>& st, double x) {
-    for (std::size_t k = 0; k < 4; ++k) {
-        const double in = x;
-        const double y = q[k].b0 * in + st[2 * k];
-        st[2 * k] = q[k].b1 * in - q[k].a1 * y + st[2 * k + 1];
-        st[2 * k + 1] = q[k].b2 * in - q[k].a2 * y;
-        x = y;
-    }
-    return x;
-}
-
 #if ARDEL_FILTER_LANES
 // The larger size of a section's two poles, the roots of z^2 + a1 z + a2.
 double PoleRadius(const Biquad& q) {
@@ -100,7 +87,7 @@ std::unique_ptr<LaneFilter> LaneFilter::Make(const IirFilter& filter, std::size_
     for (std::size_t i = 0; i < 8; ++i) {
         std::array<double, 8> st{};
         st[i] = 1;
-        for (std::size_t j = 0; j < chunk; ++j) p.free[j * 8 + i] = Step(p.q, st, 0.0);
+        for (std::size_t j = 0; j < chunk; ++j) p.free[j * 8 + i] = CascadePoint(p.q, st, 0.0);
         for (std::size_t r = 0; r < 8; ++r) p.transition[r * 8 + i] = st[r];
     }
     f->n_ = runLength;
@@ -126,7 +113,7 @@ std::unique_ptr<LaneFilter> LaneFilter::Make(const IirFilter& filter, std::size_
     std::array<double, 8> st{};
     double apart = 0;
     for (std::size_t i = 0; i < runLength; ++i)
-        apart = std::max(apart, std::abs(Step(p.q, st, trial[i]) - lanesValues[i]));
+        apart = std::max(apart, std::abs(CascadePoint(p.q, st, double(trial[i])) - lanesValues[i]));
     if (!(apart * kSafety <= kMaxMargin)) return nullptr;
     p.margin = std::max(kMinMargin, apart * kSafety);
     return f;

@@ -34,21 +34,13 @@ namespace {
 // ties to even, in the default rounding mode: the rounding of the one-pass run, in lanes.
 constexpr double kRoundMagic = 6755399441055744.0;
 
+// Vectors of K doubles, of K comparison results, of K 32-bit and of K 16-bit integers.
 template <int K>
-struct Vectors;
-template <>
-struct Vectors<4> {
-    typedef double V __attribute__((vector_size(32)));
-    typedef long Mask __attribute__((vector_size(32)));
-    typedef std::int32_t VI __attribute__((vector_size(16)));
-    typedef std::int16_t VS __attribute__((vector_size(8)));
-};
-template <>
-struct Vectors<8> {
-    typedef double V __attribute__((vector_size(64)));
-    typedef long Mask __attribute__((vector_size(64)));
-    typedef std::int32_t VI __attribute__((vector_size(32)));
-    typedef std::int16_t VS __attribute__((vector_size(16)));
+struct Vectors {
+    typedef double V __attribute__((vector_size(8 * K)));
+    typedef long Mask __attribute__((vector_size(8 * K)));
+    typedef std::int32_t VI __attribute__((vector_size(4 * K)));
+    typedef std::int16_t VS __attribute__((vector_size(2 * K)));
 };
 
 // The run in K lanes: lane c takes the points [c chunk, (c+1) chunk) of the run, the last lane
@@ -79,32 +71,24 @@ bool Run(const Args& a) {
     // each is two fused multiply-adds.
     V cf[20];
     for (int i = 0; i < 20; ++i) cf[i] = V{} + a.coefficients[i];
-    V s0{}, s1{}, s2{}, s3{}, s4{}, s5{}, s6{}, s7{};
+    V ends[8] = {};  // two state values a section
     for (std::size_t j = 0; j < L; ++j) {
         VS x16;
         __builtin_memcpy(&x16, X16 + j * K, sizeof x16);
         V x = __builtin_convertvector(__builtin_convertvector(x16, VI), V);
-        V y = cf[0] * x + s0;
-        s0 = s1 + cf[1] * x - cf[3] * y;
-        s1 = cf[2] * x - cf[4] * y;
-        x = y;
-        y = cf[5] * x + s2;
-        s2 = s3 + cf[6] * x - cf[8] * y;
-        s3 = cf[7] * x - cf[9] * y;
-        x = y;
-        y = cf[10] * x + s4;
-        s4 = s5 + cf[11] * x - cf[13] * y;
-        s5 = cf[12] * x - cf[14] * y;
-        x = y;
-        y = cf[15] * x + s6;
-        s6 = s7 + cf[16] * x - cf[18] * y;
-        s7 = cf[17] * x - cf[19] * y;
-        __builtin_memcpy(X + j * K, &y, sizeof y);
+#pragma GCC unroll 4
+        for (int k = 0; k < 4; ++k) {
+            const V* c = cf + 5 * k;
+            const V y = c[0] * x + ends[2 * k];
+            ends[2 * k] = ends[2 * k + 1] + c[1] * x - c[3] * y;
+            ends[2 * k + 1] = c[2] * x - c[4] * y;
+            x = y;
+        }
+        __builtin_memcpy(X + j * K, &x, sizeof x);
     }
 
     // The state each chunk really starts from: the first from rest, each next one what the
     // chunk before leaves, its own input's share plus the free run of its start state.
-    const V ends[8] = {s0, s1, s2, s3, s4, s5, s6, s7};
     double start[8][K] = {};
     for (int c = 1; c < K; ++c)
         for (int r = 0; r < 8; ++r) {
