@@ -177,9 +177,9 @@ struct DesignCache {
     int type = -1;
     double fs = 0, fc = 0;
     std::optional<IirFilter> filter;
-    // The lanes' plan for runs of lanesRun points, and the run's points going in and out.
+    // The lanes' plan for runs of lanesRun points (0 before the first run or after a new
+    // design), and the run's points going in and out.
     bool useLanes = true;
-    bool lanesTried = false;
     std::size_t lanesRun = 0;
     std::unique_ptr<LaneFilter> lanes;
     std::vector<std::int16_t> run;
@@ -261,8 +261,7 @@ bool RunInLanes(Recording& rec, DesignCache& cache) {
         &rec.PreviousScreen, &rec.CurrentScreen, &rec.NextScreen};
     for (const auto* b : buffers)
         if (b->size() / stride > points) return false;
-    if (!cache.lanesTried || cache.lanesRun != 3 * points) {
-        cache.lanesTried = true;
+    if (cache.lanesRun != 3 * points) {
         cache.lanesRun = 3 * points;
         cache.lanes = LaneFilter::Make(*cache.filter, 3 * points);
     }
@@ -307,7 +306,7 @@ void FilterScreens(Session& s, UserDialogs& ui, DesignCache& cache) {
         cache.fc = fc;
         cache.filter = DesignDigitalFilter(s.options.FilterType, fs, fc);
         cache.lanes.reset();
-        cache.lanesTried = false;
+        cache.lanesRun = 0;
     }
     if (!cache.filter) return;  // the buffers stay as read
 

@@ -47,13 +47,7 @@ int MachineLanes(LaneFilter::Width) { return 0; }
 
 bool RunLanes(const LaneFilter::Plan& p, const std::int16_t* in, std::int16_t* out,
               double* values, double* work, std::int16_t* workIn) {
-    double coefficients[20];
-    for (std::size_t k = 0; k < 4; ++k) {
-        const Biquad& q = p.q[k];
-        const double c[5] = {q.b0, q.b1, q.b2, q.a1, q.a2};
-        std::copy(c, c + 5, coefficients + 5 * k);
-    }
-    const lanes::Args a{coefficients, p.free.data(), p.transition.data(), p.n, p.chunk,
+    const lanes::Args a{p.coefficients.data(), p.free.data(), p.transition.data(), p.n, p.chunk,
                         p.margin, in, out, values, work, workIn};
 #if ARDEL_FILTER_LANES
     if (p.lanes == 8) return lanes::RunAvx512(a);
@@ -80,6 +74,11 @@ std::unique_ptr<LaneFilter> LaneFilter::Make(const IirFilter& filter, std::size_
     std::unique_ptr<LaneFilter> f(new LaneFilter);
     Plan& p = f->plan_;
     std::copy(filter.sections.begin(), filter.sections.end(), p.q.begin());
+    for (std::size_t s = 0; s < 4; ++s) {
+        const Biquad& q = p.q[s];
+        const double c[5] = {q.b0, q.b1, q.b2, q.a1, q.a2};
+        std::copy(c, c + 5, p.coefficients.begin() + std::ptrdiff_t(5 * s));
+    }
     p.lanes = lanes;
     p.n = runLength;
     p.chunk = chunk;
@@ -90,8 +89,6 @@ std::unique_ptr<LaneFilter> LaneFilter::Make(const IirFilter& filter, std::size_
         for (std::size_t j = 0; j < chunk; ++j) p.free[j * 8 + i] = CascadePoint(p.q, st, 0.0);
         for (std::size_t r = 0; r < 8; ++r) p.transition[r * 8 + i] = st[r];
     }
-    f->n_ = runLength;
-    f->lanes_ = lanes;
     f->work_.assign(chunk * k, 0.0);
     f->workIn_.assign(chunk * k, 0);
 
@@ -120,14 +117,14 @@ std::unique_ptr<LaneFilter> LaneFilter::Make(const IirFilter& filter, std::size_
 }
 
 bool LaneFilter::Run(std::span<const std::int16_t> in, std::span<std::int16_t> out) {
-    if (in.size() != n_ || out.size() != n_) return false;
+    if (in.size() != plan_.n || out.size() != plan_.n) return false;
     return RunLanes(plan_, in.data(), out.data(), nullptr, work_.data(), workIn_.data());
 }
 
 std::vector<double> LaneFilter::RunValues(std::span<const std::int16_t> in) {
-    std::vector<double> values(n_, 0.0);
-    std::vector<std::int16_t> out(n_);
-    if (in.size() == n_) RunLanes(plan_, in.data(), out.data(), values.data(), work_.data(), workIn_.data());
+    std::vector<double> values(plan_.n, 0.0);
+    std::vector<std::int16_t> out(plan_.n);
+    if (in.size() == plan_.n) RunLanes(plan_, in.data(), out.data(), values.data(), work_.data(), workIn_.data());
     return values;
 }
 

@@ -33,8 +33,8 @@ public:
     static std::unique_ptr<LaneFilter> Make(const IirFilter& filter, std::size_t runLength,
                                             Width width = Width::Best);
 
-    std::size_t RunLength() const { return n_; }
-    int Lanes() const { return lanes_; }
+    std::size_t RunLength() const { return plan_.n; }
+    int Lanes() const { return plan_.lanes; }
     // How near a rounding boundary a value may lie: a thousand times as far as the lanes and
     // the one-pass run were apart in a trial run on a loud signal (1e-11 to 1e-8 on the 16-bit
     // scale for the usual cut-offs), and at least 1e-6.
@@ -51,6 +51,7 @@ public:
 
     struct Plan {
         std::array<Biquad, 4> q;
+        std::array<double, 20> coefficients{};  // b0 b1 b2 a1 a2 of each section, for the kernel
         int lanes = 0;
         std::size_t n = 0, chunk = 0;
         double margin = 0;
@@ -61,8 +62,6 @@ public:
 private:
     LaneFilter() = default;
     Plan plan_;
-    std::size_t n_ = 0;
-    int lanes_ = 0;
     std::vector<double> work_;
     std::vector<std::int16_t> workIn_;
 };
